@@ -1,0 +1,15 @@
+#!/bin/sh
+# Installs what is missing, builds Kelvaris with AddressSanitizer and
+# UndefinedBehaviorSanitizer, and runs every test.
+set -eu
+top=$(cd "$(dirname "$0")/.." && pwd)
+"$top/scripts/install-deps.sh"
+build="$top/build-sanitize"
+cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKELVARIS_SANITIZE=ON \
+    -DKELVARIS_BUILD_TESTS=ON -DKELVARIS_BUILD_BENCH=OFF
+cmake --build "$build" -j"$(nproc)"
+export QT_QPA_PLATFORM=offscreen
+export ASAN_OPTIONS=detect_leaks=0:abort_on_error=1
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+cd "$build"
+ctest --output-on-failure -j"$(nproc)" --timeout 600

@@ -1,0 +1,269 @@
+#include "Form1.h"
+
+#include "Clock.h"
+#include "ControlTag.h"
+#include "CreditsTab.h"
+#include "FormSettings.h"
+#include "PathUtils.h"
+#include "SettingsTab.h"
+#include "VersionString.h"
+#include "modRegistry.h"
+
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFile>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+// The Close button ignores a click that lands this soon after a busy period
+// ended: it was meant for "Cancel".
+constexpr double kQuitGuardSeconds = 0.1;
+// The randomizer run gives up on downloads that send nothing for this long.
+constexpr double kDownloadSilenceSeconds = 30.0;
+
+QString quoteIfBlank(const QString& argument) {
+    if (argument.contains(u' ') || argument.contains(u'\t'))
+        return u'"' + argument + u'"';
+    return argument;
+}
+
+} // namespace
+
+Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
+    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
+    setObjectName(QStringLiteral("Form1"));
+    buildWindow();
+}
+
+Form1::~Form1() = default;
+
+void Form1::buildWindow() {
+    setWindowTitle(QStringLiteral("Kelvaris"));
+    resize(660, 540);
+
+    SSTab1_ = new QTabWidget(this);
+    SSTab1_->setObjectName(QStringLiteral("SSTab1"));
+    // Tabs whose subsystems are not part of this build show an empty page.
+    for (const char* name : {"Screens", "Randomizer", "Music", "Textures", "Online"}) {
+        auto* page = new QWidget(SSTab1_);
+        page->setObjectName(QString::fromLatin1(name) + QStringLiteral("Tab"));
+        SSTab1_->addTab(page, QString::fromLatin1(name));
+    }
+    settingsTab_ = new SettingsTab(ui_, SSTab1_);
+    SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
+    creditsTab_ = new CreditsTab(ui_, SSTab1_);
+    SSTab1_->addTab(creditsTab_, QStringLiteral("Credits"));
+
+    XPProgressBar1_ = new QProgressBar(this);
+    XPProgressBar1_->setObjectName(QStringLiteral("XPProgressBar1"));
+    XPProgressBar1_->setTextVisible(true);
+    XPProgressBar1_->setAlignment(Qt::AlignCenter);
+    XPProgressBar1_->setRange(0, 100);
+    XPProgressBar1_->hide();
+
+    Quit_ = new QPushButton(QStringLiteral("Close"), this);
+    Quit_->setObjectName(QStringLiteral("Quit"));
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(XPProgressBar1_, 1);
+    bottom->addStretch(0);
+    bottom->addWidget(Quit_);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(SSTab1_, 1);
+    layout->addLayout(bottom);
+
+    rndTimeout_ = new QTimer(this);
+    rndTimeout_->setObjectName(QStringLiteral("rndTimeout"));
+    rndTimeout_->setInterval(1000);
+
+    connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
+    connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
+    connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+}
+
+QString Form1::CommandLine() const {
+    QStringList parts;
+    for (const QString& argument : arguments_)
+        parts << quoteIfBlank(argument);
+    return parts.join(u' ');
+}
+
+QString Form1::GameFolder() const {
+    return settingsTab_->GameFolder();
+}
+
+void Form1::Form_Load() {
+    if (loaded_)
+        return;
+    loaded_ = true;
+
+    QString folder = modRegistry::QueryValue(kSettingsKey, QStringLiteral("CohPath"));
+    if (folder.isEmpty())
+        folder = modRegistry::QueryValue(QStringLiteral("Software\\Cryptic\\Coh"),
+                                         QStringLiteral("Installation Directory"));
+    settingsTab_->SetGameFolder(folder);
+    for (int n = 0; n < kOnlineSlots; ++n) {
+        LoadControlSetting(*this, OnlineNameSetting(n));
+        LoadControlSetting(*this, OnlineLinkSetting(n));
+    }
+
+    if (CommandLine().contains(QStringLiteral("-randomizer"))) {
+        startRandomizerMode();
+        return;
+    }
+    loadInteractiveSettings();
+    UpdateButtons();
+}
+
+void Form1::loadInteractiveSettings() {
+    setWindowTitle(QStringLiteral("Kelvaris ") + VersionString());
+    creditsTab_->ShowVersionAndAcknowledgements();
+
+    for (const ControlSetting& setting : SettingsLoadedAtStart()) {
+        LoadControlSetting(*this, setting);
+        QWidget* control = findChild<QWidget*>(setting.controlName);
+        if (!control)
+            continue;
+        if (setting.valueName == u"CohRegKey" && Tag(control).isEmpty()) {
+            SetTag(control, QStringLiteral("Coh"));
+        } else if (setting.valueName == u"Frames") {
+            auto* frames = qobject_cast<QAbstractButton*>(control);
+            auto* preview = findChild<QWidget*>(QStringLiteral("scrFramesPreview"));
+            if (frames && preview && !frames->isChecked())
+                preview->setEnabled(false);
+        } else if (setting.valueName == u"CohAuto") {
+            auto* automatic = qobject_cast<QAbstractButton*>(control);
+            if (automatic && automatic->isChecked())
+                settingsTab_->setAuto_Click();
+        }
+    }
+}
+
+void Form1::saveSettings() {
+    for (const ControlSetting& setting : SettingsSavedAtClose())
+        SaveControlSetting(*this, setting);
+}
+
+void Form1::startRandomizerMode() {
+    randomizerMode_ = true;
+    lastDataTime_ = clock_();
+
+    // The randomizer run (a random background for each screen, then the chat
+    // client) plugs in here once the randomizer subsystem is part of the build.
+
+    bool downloading = false;
+    if (modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastOnlineUpdate")) !=
+        ShortDateText(QDate::currentDate()))
+        downloading = startDailyDownloads();
+
+    if (!downloading) {
+        Unload();
+        QCoreApplication::processEvents();
+        return;
+    }
+    // The window stays hidden: the player is starting the game, not Kelvaris.
+    rndTimeout_->start();
+}
+
+bool Form1::startDailyDownloads() {
+    // The online slots start their downloads here once the online subsystem
+    // is part of the build; until then no slot is ever active.
+    return false;
+}
+
+void Form1::endAllDownloads() {
+    // Ends every online slot's download once the online subsystem exists.
+}
+
+void Form1::rndTimeout_Timer() {
+    const double now = clock_();
+    if (lastDataTime_ > now) // the clock passed midnight
+        lastDataTime_ = 0;
+    if (now - lastDataTime_ > kDownloadSilenceSeconds) {
+        endAllDownloads();
+        Unload();
+    }
+}
+
+void Form1::UpdateButtons() {
+    // Each tab that owns save buttons applies its rule here, in the order
+    // Screens, Randomizer, Music, once those tabs are part of the build.
+}
+
+void Form1::SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) {
+    busy_ = Busy;
+    if (randomizerMode_)
+        return;
+    if (Busy) {
+        XPProgressBar1_->setValue(0);
+        if (Maximum > 0)
+            XPProgressBar1_->setMaximum(int(Maximum));
+        XPProgressBar1_->setFormat(Text.isEmpty() ? QStringLiteral(" ") : Text);
+        XPProgressBar1_->show();
+        SSTab1_->setEnabled(false);
+        Quit_->setText(QStringLiteral("Cancel"));
+        cancelRequested_ = false;
+        if (!Cancellable)
+            Quit_->setEnabled(false);
+    } else {
+        XPProgressBar1_->hide();
+        SSTab1_->setEnabled(true);
+        Quit_->setText(QStringLiteral("Close"));
+        Quit_->setEnabled(true);
+        lastBusyChange_ = clock_();
+    }
+}
+
+void Form1::ShowProgress(long Value, const QString& Text) {
+    if (!randomizerMode_) {
+        XPProgressBar1_->setValue(int(Value));
+        if (!Text.isEmpty())
+            XPProgressBar1_->setFormat(Text);
+    }
+    QCoreApplication::processEvents();
+}
+
+void Form1::SetProgressMaximum(long Maximum) {
+    XPProgressBar1_->setMaximum(int(Maximum));
+}
+
+void Form1::Quit_Click() {
+    const double now = clock_();
+    if (busy_) {
+        cancelRequested_ = true;
+        lastBusyChange_ = now;
+        return;
+    }
+    double elapsed = now - lastBusyChange_;
+    if (elapsed < 0) // the clock passed midnight
+        elapsed += 24 * 60 * 60;
+    if (elapsed > kQuitGuardSeconds)
+        Unload();
+}
+
+void Form1::Unload() {
+    close();
+}
+
+void Form1::closeEvent(QCloseEvent* event) {
+    if (busy_ || unloaded_) {
+        event->ignore();
+        return;
+    }
+    if (!randomizerMode_) {
+        QFile::remove(WorkFolder() + QStringLiteral("/converted.ogg"));
+        saveSettings();
+    }
+    rndTimeout_->stop();
+    unloaded_ = true;
+    event->accept();
+    Q_EMIT Unloaded();
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "BusyHost.h"
+
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+
+class CreditsTab;
+class QProgressBar;
+class QPushButton;
+class QTabWidget;
+class QTimer;
+class SettingsTab;
+class UiServices;
+
+// The one window: the tabs, the progress bar and the Close/Cancel button. It
+// wires the tabs together and holds what they share (the game folder, the busy
+// state, the save-button rules); each tab's own work lives in its tab class.
+class Form1 : public QWidget, public BusyHost {
+    Q_OBJECT
+public:
+    // `arguments` are the command-line arguments after the program name.
+    Form1(UiServices& ui, const QStringList& arguments, QWidget* parent = nullptr);
+    ~Form1() override;
+
+    // Start-up: reads the settings into the controls, or, with "-randomizer",
+    // does the randomizer run. Runs once; a second call does nothing.
+    void Form_Load();
+
+    // Closes the window as the close box does; refused while busy.
+    void Unload();
+    bool IsUnloaded() const { return unloaded_; }
+
+    // The command line as one text, each argument that holds a blank quoted.
+    QString CommandLine() const;
+
+    UiServices& Ui() { return ui_; }
+    SettingsTab& Settings() { return *settingsTab_; }
+    QString GameFolder() const;
+
+    // The one enabling procedure for the save buttons of the Screens,
+    // Randomizer and Music tabs; run after anything that may change them.
+    void UpdateButtons();
+
+    // BusyHost
+    void SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) override;
+    void ShowProgress(long Value, const QString& Text) override;
+    void SetProgressMaximum(long Maximum) override;
+    bool CancelRequested() const override { return cancelRequested_; }
+    bool IsBusy() const override { return busy_; }
+    bool RandomizerMode() const override { return randomizerMode_; }
+
+    // Seconds since midnight of the latest download data; the randomizer's
+    // time-out counts from it.
+    void SetLastDataTime(double seconds) { lastDataTime_ = seconds; }
+    double LastDataTime() const { return lastDataTime_; }
+
+    // Tests replace the clock to step time by hand.
+    void SetClock(std::function<double()> clock) { clock_ = std::move(clock); }
+
+    void Quit_Click();
+    void rndTimeout_Timer();
+
+Q_SIGNALS:
+    void Unloaded();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildWindow();
+    void loadInteractiveSettings();
+    void saveSettings();
+    void startRandomizerMode();
+    bool startDailyDownloads();
+    void endAllDownloads();
+
+    UiServices& ui_;
+    QStringList arguments_;
+    std::function<double()> clock_;
+
+    QTabWidget* SSTab1_ = nullptr;
+    QProgressBar* XPProgressBar1_ = nullptr;
+    QPushButton* Quit_ = nullptr;
+    QTimer* rndTimeout_ = nullptr;
+    SettingsTab* settingsTab_ = nullptr;
+    CreditsTab* creditsTab_ = nullptr;
+
+    bool loaded_ = false;
+    bool unloaded_ = false;
+    bool busy_ = false;
+    bool randomizerMode_ = false;
+    bool cancelRequested_ = false;
+    double lastBusyChange_ = 0.0;
+    double lastDataTime_ = 0.0;
+};

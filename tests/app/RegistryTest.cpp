@@ -1,0 +1,163 @@
+#include "app/modRegistry.h"
+
+#include "common/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace modRegistry;
+
+namespace {
+
+class RegistryTest : public TestEnvironment {
+protected:
+    QStringList asideFiles() const {
+        return QDir(configHome() + QStringLiteral("/kelvaris"))
+            .entryList({QStringLiteral("registry.reg.unreadable-*")}, QDir::Files);
+    }
+};
+
+TEST_F(RegistryTest, FirstNonBlankValueCreatesTheStoreAndBlankCreatesNothing) {
+    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("   ")));
+    EXPECT_FALSE(QFile::exists(storeFile()));
+
+    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh")));
+    EXPECT_TRUE(QFile::exists(storeFile()));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    EXPECT_TRUE(readFile(storeFile()).startsWith("REGEDIT4\r\n"));
+}
+
+TEST_F(RegistryTest, BlankDeletesAndOtherTextIsStoredUntrimmed) {
+    SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral(" a "));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QStringLiteral(" a "));
+
+    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral("   ")));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QString());
+    EXPECT_FALSE(readFile(storeFile()).contains("\"A\""));
+    // Deleting what is not there changes nothing and says so.
+    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("A"), QString()));
+}
+
+TEST_F(RegistryTest, NamesIgnoreLetterCaseAndAwkwardTextRoundTrips) {
+    const QString awkward = QStringLiteral("C:\\Games\\\"CoH\" ; [x] = é");
+    SetValue(kSettingsKey, QStringLiteral("FrameHL"), awkward);
+    EXPECT_EQ(QueryValue(QStringLiteral("software\\cohkelvaris"), QStringLiteral("framehl")), awkward);
+    SetValue(kSettingsKey, QStringLiteral("FRAMEHL"), QStringLiteral("b"));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("FrameHL")), QStringLiteral("b"));
+}
+
+TEST_F(RegistryTest, ValuesLongerThan1023CharactersReadAsEmpty) {
+    SetValue(kSettingsKey, QStringLiteral("Ok"), QString(1023, u'x'));
+    SetValue(kSettingsKey, QStringLiteral("TooLong"), QString(1024, u'x'));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Ok")).size(), 1023);
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("TooLong")), QString());
+}
+
+TEST_F(RegistryTest, TenMegabyteValueKeepsTheRestOfTheStore) {
+    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/g"));
+    SetValue(kSettingsKey, QStringLiteral("Huge"), QString(10 * 1024 * 1024, u'y'));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Huge")), QString());
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/g"));
+    EXPECT_TRUE(asideFiles().isEmpty());
+}
+
+TEST_F(RegistryTest, CreateKeyTellsNewFromExisting) {
+    EXPECT_EQ(CreateKey(kSettingsKey), 1);
+    EXPECT_EQ(CreateKey(kSettingsKey), 2);
+}
+
+TEST_F(RegistryTest, StoreThatDoesNotParseIsKeptAsideNotOverwritten) {
+    const QByteArray garbage[] = {QByteArray("this is not a registry file\n"),
+                                  QByteArray("REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\n"
+                                             "\"CohPath\"=\"unterminated\n"),
+                                  QByteArray("REGEDIT4\n\"orphan\"=\"value\"\n"),
+                                  QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
+    int expectedAside = 0;
+    for (const QByteArray& bytes : garbage) {
+        writeFile(QStringLiteral("config/kelvaris/registry.reg"), bytes);
+        EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QString());
+        ++expectedAside;
+        const QStringList aside = asideFiles();
+        ASSERT_EQ(aside.size(), expectedAside) << bytes.constData();
+        // The tool goes on with defaults and may write a fresh store.
+        EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/new")));
+        EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/new"));
+        QFile::remove(storeFile());
+    }
+    // Every unreadable store survives byte for byte beside the new one.
+    QList<QByteArray> kept;
+    for (const QString& name : asideFiles())
+        kept << readFile(configHome() + QStringLiteral("/kelvaris/") + name);
+    for (const QByteArray& bytes : garbage)
+        EXPECT_TRUE(kept.contains(bytes));
+}
+
+TEST_F(RegistryTest, StoreThatCannotBeReadIsNeverReplaced) {
+    // A folder where the file should be: it cannot be opened, even by root.
+    QDir().mkpath(storeFile());
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QString());
+    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/x")));
+    EXPECT_EQ(CreateKey(kSettingsKey), 0);
+    EXPECT_TRUE(QFileInfo(storeFile()).isDir());
+}
+
+// A hive as Wine writes it: header, escaped key names with timestamps,
+// #time lines, dword values.
+const char kUserReg[] =
+    "WINE REGISTRY Version 2\n"
+    ";; All keys relative to \\\\User\\\\S-1-5-21-0-0-0-1000\n"
+    "\n"
+    "#arch=win32\n"
+    "\n"
+    "[Software\\\\Cryptic\\\\Coh] 1700000000\n"
+    "#time=1da1b2c3d4e5f60\n"
+    "\"Installation Directory\"=\"C:\\\\Games\\\\City of Heroes\"\n"
+    "\"screenX\"=dword:00000780\n"
+    "\"Resolution\"=hex:01,02,03\n"
+    "\n"
+    "[Software\\\\Cryptic\\\\CohBeta] 1700000001\n"
+    "\"Installation Directory\"=\"D:\\\\Beta\"\n"
+    "\"screenY\"=dword:00000300\n";
+
+TEST_F(RegistryTest, GameKeysComeFromTheWinePrefixWithLinuxPaths) {
+    writeFile(QStringLiteral("wine/user.reg"), kUserReg);
+    QDir().mkpath(winePrefix() + QStringLiteral("/drive_c/GAMES/City of Heroes"));
+    QDir().mkpath(winePrefix() + QStringLiteral("/dosdevices"));
+    QDir().mkpath(root() + QStringLiteral("/elsewhere/Beta"));
+    QFile::link(QStringLiteral("../drive_c"), winePrefix() + QStringLiteral("/dosdevices/c:"));
+    QFile::link(root() + QStringLiteral("/elsewhere"), winePrefix() + QStringLiteral("/dosdevices/d:"));
+
+    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
+    // Letter case of the folders on disk wins, as Wine finds them regardless.
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("Installation Directory")),
+              winePrefix() + QStringLiteral("/drive_c/GAMES/City of Heroes"));
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenY")), QString());
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("Resolution")), QString());
+
+    const QString beta = QStringLiteral("Software\\Cryptic\\CohBeta");
+    EXPECT_EQ(QueryValue(beta, QStringLiteral("Installation Directory")),
+              root() + QStringLiteral("/elsewhere/Beta"));
+    EXPECT_EQ(QueryValue(beta, QStringLiteral("screenY")), QStringLiteral("768"));
+
+    // The store, where it has the value, comes first; Kelvaris's own key never
+    // falls through to Wine.
+    SetValue(coh, QStringLiteral("screenX"), QStringLiteral("1024"));
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1024"));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("screenX")), QString());
+}
+
+TEST_F(RegistryTest, TruncatedWineHiveNeverGivesHalfAPath) {
+    const QByteArray whole(kUserReg);
+    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
+    const QString full = winePrefix() + QStringLiteral("/drive_c/Games/City of Heroes");
+    for (qsizetype cut = 0; cut <= whole.size(); ++cut) {
+        writeFile(QStringLiteral("wine/user.reg"), whole.left(cut));
+        const QString folder = QueryValue(coh, QStringLiteral("Installation Directory"));
+        EXPECT_TRUE(folder.isEmpty() || folder == full) << cut << " " << folder.toStdString();
+    }
+    writeFile(QStringLiteral("wine/user.reg"), QByteArray(4096, '\xff'));
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QString());
+}
+
+} // namespace

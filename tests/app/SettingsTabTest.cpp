@@ -1,0 +1,110 @@
+#include "app/SettingsTab.h"
+#include "app/modRegistry.h"
+
+#include "common/FakeUi.h"
+#include "common/TestEnvironment.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace {
+
+class SettingsTabTest : public TestEnvironment {
+protected:
+    void SetUp() override {
+        TestEnvironment::SetUp();
+        tab = std::make_unique<SettingsTab>(ui);
+    }
+    template <typename T> T* control(const char* name) {
+        return tab->findChild<T*>(QString::fromLatin1(name));
+    }
+    void setGameKey(const char* value, const char* data) {
+        modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"), QString::fromLatin1(value),
+                              QString::fromLatin1(data));
+    }
+    bool manualControlsEnabled() {
+        return control<QLineEdit>("setCohPath")->isEnabled() && control<QPushButton>("setBrowse")->isEnabled() &&
+               control<QLineEdit>("setWidth")->isEnabled() && control<QLineEdit>("setHeight")->isEnabled();
+    }
+
+    FakeUi ui;
+    std::unique_ptr<SettingsTab> tab;
+};
+
+TEST_F(SettingsTabTest, WithoutTheGameKeyDetectionIsDisabledAndEverythingEditable) {
+    control<QCheckBox>("setAuto")->setChecked(true);
+    tab->setAuto_Click();
+    EXPECT_FALSE(control<QCheckBox>("setAuto")->isEnabled());
+    EXPECT_TRUE(control<QCheckBox>("setAuto")->isChecked()); // the mark is left alone
+    EXPECT_TRUE(manualControlsEnabled());
+}
+
+TEST_F(SettingsTabTest, GameKeyWithDetectionOffOnlyEnablesTheBox) {
+    setGameKey("Installation Directory", "/games/coh");
+    tab->SetGameFolder(QStringLiteral("/mine"));
+    tab->DetectGame();
+    EXPECT_TRUE(control<QCheckBox>("setAuto")->isEnabled());
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/mine"));
+    EXPECT_TRUE(manualControlsEnabled());
+}
+
+TEST_F(SettingsTabTest, DetectionFillsWhatTheGameKeyHas) {
+    setGameKey("Installation Directory", "/games/coh");
+    setGameKey("screenX", "1920");
+    control<QLineEdit>("setHeight")->setText(QStringLiteral("600"));
+    control<QCheckBox>("setAuto")->setChecked(true);
+    tab->setAuto_Click();
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/coh"));
+    EXPECT_EQ(tab->ScreenWidthText(), QStringLiteral("1920"));
+    EXPECT_EQ(tab->ScreenHeightText(), QStringLiteral("600")); // no screenY: left alone
+    EXPECT_FALSE(control<QLineEdit>("setCohPath")->isEnabled());
+    EXPECT_FALSE(control<QLineEdit>("setWidth")->isEnabled());
+
+    control<QCheckBox>("setAuto")->setChecked(false);
+    tab->setAuto_Click();
+    EXPECT_TRUE(manualControlsEnabled());
+}
+
+TEST_F(SettingsTabTest, BrowseTakesTheExecutablesFolderAndIgnoresACancel) {
+    int changes = 0;
+    QObject::connect(tab.get(), &SettingsTab::GameFolderChanged, tab.get(), [&] { ++changes; });
+    tab->SetGameFolder(QStringLiteral("/old"));
+    changes = 0;
+
+    ui.openAnswers.push_back(QStringLiteral("/games/City of Heroes/cityofheroes.exe"));
+    tab->setBrowse_Click();
+    ASSERT_EQ(ui.openRequests.size(), 1);
+    EXPECT_EQ(ui.openRequests[0].startFolder, QStringLiteral("/old"));
+    EXPECT_EQ(ui.openRequests[0].proposedName, QStringLiteral("cityofheroes.exe"));
+    EXPECT_EQ(ui.openRequests[0].filter, QStringLiteral("City of Heroes|cityofheroes.exe;cityofvillains.exe"));
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
+
+    tab->setBrowse_Click(); // cancelled
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
+    ui.openAnswers.push_back(QStringLiteral("/cityofheroes.exe"));
+    tab->setBrowse_Click(); // a file in the root changes nothing
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
+    EXPECT_GE(changes, 3); // the save buttons are looked at after every browse
+}
+
+TEST_F(SettingsTabTest, SizeBoxesSelectOnFocusAndShowTheirNumberOnLeaving) {
+    tab->show();
+    QApplication::setActiveWindow(tab.get());
+    auto* width = control<QLineEdit>("setWidth");
+    auto* height = control<QLineEdit>("setHeight");
+    width->setText(QStringLiteral("-1024"));
+    width->setFocus();
+    QApplication::processEvents();
+    EXPECT_EQ(width->selectedText(), QStringLiteral("-1024"));
+    height->setFocus();
+    QApplication::processEvents();
+    EXPECT_EQ(width->text(), QStringLiteral("1024"));
+    height->setText(QStringLiteral("abc"));
+    width->setFocus();
+    QApplication::processEvents();
+    EXPECT_EQ(height->text(), QStringLiteral("0"));
+}
+
+} // namespace
