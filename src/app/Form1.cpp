@@ -51,12 +51,11 @@ void Form1::buildWindow() {
 
     SSTab1_ = new QTabWidget(this);
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
-    // Tabs whose subsystems are not part of this build show an empty page.
-    for (const char* name : {"Screens", "Randomizer", "Music", "Textures", "Online"}) {
-        auto* page = new QWidget(SSTab1_);
-        page->setObjectName(QString::fromLatin1(name) + QStringLiteral("Tab"));
-        SSTab1_->addTab(page, QString::fromLatin1(name));
-    }
+    addPlaceholderTab(QStringLiteral("Screens"));
+    addPlaceholderTab(QStringLiteral("Randomizer"));
+    addPlaceholderTab(QStringLiteral("Music"));
+    addPlaceholderTab(QStringLiteral("Textures"));
+    addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
     creditsTab_ = new CreditsTab(ui_, SSTab1_);
@@ -87,6 +86,13 @@ void Form1::buildWindow() {
     connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
     connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+}
+
+void Form1::addPlaceholderTab(const QString& caption) {
+    // A tab whose subsystem is not part of this build shows an empty page.
+    auto* page = new QWidget(SSTab1_);
+    page->setObjectName(caption + QStringLiteral("Tab"));
+    SSTab1_->addTab(page, caption);
 }
 
 QString Form1::CommandLine() const {
@@ -194,8 +200,10 @@ void Form1::rndTimeout_Timer() {
 }
 
 void Form1::UpdateButtons() {
-    // Each tab that owns save buttons applies its rule here, in the order
-    // Screens, Randomizer, Music, once those tabs are part of the build.
+    // Each tab that owns save buttons applies its own rule, in this order.
+    // Screens rule: once the Screens tab is part of the build.
+    // Randomizer rule: once the Randomizer tab is part of the build.
+    // Music rule: once the Music tab is part of the build.
 }
 
 void Form1::SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) {

@@ -71,6 +71,7 @@ protected:
 
 private:
     void buildWindow();
+    void addPlaceholderTab(const QString& caption);
     void loadInteractiveSettings();
     void saveSettings();
     void startRandomizerMode();
