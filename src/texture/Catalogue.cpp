@@ -1,0 +1,33 @@
+#include "Catalogue.h"
+
+#include "app/PathUtils.h"
+
+#include <QDir>
+
+QString CatalogueListLine(const QString& name, int width, int height) {
+    return name + QStringLiteral(" (") + QString::number(width) + u'x' + QString::number(height) +
+           u')';
+}
+
+QString SlashToBackslash(const QString& Text) {
+    return QDir::toNativeSeparators(Text);
+}
+
+bool IsSafeCatalogueEntry(const QString& folder, const QString& file) {
+    return IsContainedRelative(folder) && IsContainedRelative(file) && !file.contains(u'/') &&
+           !file.contains(u'\\');
+}
+
+QString TextureSaveFolder(const QString& gameFolder, const QString& folder) {
+    if (gameFolder.isEmpty() || !IsContainedRelative(folder))
+        return {};
+    return ResolveExistingCase(gameFolder + QStringLiteral("/data/") + SlashToBackslash(folder) +
+                               u'/');
+}
+
+QString TextureGameFile(const QString& gameFolder, const QString& folder, const QString& file) {
+    if (gameFolder.isEmpty() || !IsSafeCatalogueEntry(folder, file))
+        return {};
+    return ResolveExistingCase(gameFolder + QStringLiteral("/data/") + SlashToBackslash(folder) +
+                               u'/' + file + QStringLiteral(".texture"));
+}

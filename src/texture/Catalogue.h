@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+// The texture catalogue: which game textures a player may replace, grouped
+// into categories. Folders are "/"-separated and relative to the game's
+// "data" folder; file names carry no ".texture" extension.
+
+struct CatalogueEntry {
+    QString name;
+    int width = 0;
+    int height = 0;
+    QString folder;
+    QString file;
+};
+
+struct CatalogueCategory {
+    QString name;
+    QList<CatalogueEntry> entries;
+};
+
+// A texture's line in the texture lists: "Clouds (512x256)".
+QString CatalogueListLine(const QString& name, int width, int height);
+
+// The text with every "/" turned into the file system's own separator. The
+// game was built for "\"; on Linux the separator is "/", so the text comes
+// back unchanged, which keeps game paths built from catalogue folders
+// working on both.
+QString SlashToBackslash(const QString& Text);
+
+// True when a catalogue folder and file name stay inside the game's data
+// folder: the folder is a contained relative path, the file a plain name.
+bool IsSafeCatalogueEntry(const QString& folder, const QString& file);
+
+// The folder a texture of `folder` is written into: game folder, "/data/",
+// the folder and a final "/", with existing folders reused whatever their
+// letter case. "" when the folder would leave the game's data folder.
+QString TextureSaveFolder(const QString& gameFolder, const QString& folder);
+
+// The game file of a texture: game folder + "/data/" + folder + "/" + file +
+// ".texture", matched to existing names without regard to letter case. ""
+// when the folder or file would leave the game's data folder.
+QString TextureGameFile(const QString& gameFolder, const QString& folder, const QString& file);

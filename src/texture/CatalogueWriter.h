@@ -1,0 +1,25 @@
+#pragma once
+
+#include "texture/Catalogue.h"
+
+#include <QList>
+#include <QString>
+
+// Writing "kelvaris.csv" in the form the catalogue reader reads: a line with
+// the number of categories; per category a line with its quoted name and
+// its number of textures, then one line per texture with its quoted name,
+// width, height, quoted folder and quoted file name. Lines end with CR LF.
+
+// The largest count the form holds (counts are 16-bit signed integers).
+constexpr int kMaxCatalogueCount = 32767;
+
+// True when the text survives a trip through a quoted field: no double
+// quote, no line end.
+bool IsCatalogueText(const QString& text);
+
+// Writes the catalogue atomically (the old file stays whole until the new one
+// is complete), making its folder when missing. Returns "" on success, else a
+// message. Refuses, writing nothing, more than kMaxCatalogueCount categories or
+// textures in a category, a text IsCatalogueText refuses, or a size outside
+// 1..32767.
+QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories);

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QList>
+#include <QString>
+
+// The game's archive files (".pigg"): a header, a directory of entries, a
+// table of entry names and the entries' data, little-endian throughout. Only
+// what is asked for is read: the directory and name table, and the first
+// bytes of an entry. Every count, size and offset is checked against the file
+// before it is used, so a damaged or hostile archive ends in a message, never
+// in a huge allocation or a read past its end.
+
+struct ArchiveEntry {
+    QString name;               // relative to the game's "data" folder
+    quint32 size = 0;           // of the content
+    quint32 offset = 0;         // of the data, from the start of the file
+    quint32 compressedSize = 0; // 0 when the content is stored as it is
+};
+
+struct ArchiveDirectory {
+    QList<ArchiveEntry> entries; // in directory order
+    QString error;               // "" when the directory was read whole
+};
+
+// Reads the directory and the name table of the archive open in `device`
+// (readable and seekable). On error, `entries` is empty and `error` says what
+// is wrong, as a clause to follow the archive's name ("is not a game
+// archive.").
+ArchiveDirectory ReadArchiveDirectory(QIODevice& device);
+
+// The first `maxBytes` bytes of an entry's content (fewer when it is
+// shorter), inflated when it is compressed; only as much compressed data as
+// that needs is read. On error returns an empty array and sets `error`.
+QByteArray ReadArchiveEntryStart(QIODevice& device, const ArchiveEntry& entry, int maxBytes,
+                                 QString& error);

@@ -1,0 +1,229 @@
+#include "texture/CatalogueReader.h"
+
+#include "common/TestEnvironment.h"
+#include "texture/Catalogue.h"
+#include "texture/CatalogueLocation.h"
+#include "texture/CatalogueWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+// Three categories, one of them empty, in mixed line ends, with a record
+// spread over two lines and a name holding a comma.
+const QByteArray kSample = "3\r\n"
+                           "\"Skies\", 2\r\n"
+                           "\"Clouds\",512,256,\"texture_library/GUI/Sky\",\"clouds\"\n"
+                           "\"Dawn, early\" ,  1024 , 512 ,\r\n"
+                           "\"texture_library/GUI/Sky\",\"dawn\"\r\n"
+                           "Empty,0\n"
+                           "\"Icons\",1\r\n"
+                           "Archery Aim,32,32,texture_library/GUI/Icons/Powers,Archery_Aim\r\n";
+
+class CatalogueReaderTest : public TestEnvironment {
+protected:
+    QString catalogue(const QByteArray& text) const {
+        return writeFile(QStringLiteral("kelvaris.csv"), text);
+    }
+};
+
+TEST_F(CatalogueReaderTest, SwitchingCategoriesRebuildsTheSelection) {
+    const QString file = catalogue(kSample);
+    const QStringList categories{"Skies", "Empty", "Icons"};
+
+    CatalogueSelection skies = ReadCatalogueSelection(file, 0);
+    EXPECT_EQ(skies.error, QString());
+    EXPECT_EQ(skies.categories, categories);
+    ASSERT_EQ(skies.Count(), 2);
+    EXPECT_EQ(skies.names, QStringList({"Clouds", "Dawn, early"}));
+    EXPECT_EQ(skies.widths, QList<int>({512, 1024}));
+    EXPECT_EQ(skies.heights, QList<int>({256, 512}));
+    EXPECT_EQ(skies.paths, QStringList({"texture_library/GUI/Sky", "texture_library/GUI/Sky"}));
+    EXPECT_EQ(skies.files, QStringList({"clouds", "dawn"}));
+    EXPECT_EQ(skies.ListLine(0), QStringLiteral("Clouds (512x256)"));
+
+    const CatalogueSelection empty = ReadCatalogueSelection(file, 1);
+    EXPECT_EQ(empty.categories, categories);
+    EXPECT_EQ(empty.Count(), 0);
+
+    const CatalogueSelection icons = ReadCatalogueSelection(file, 2);
+    ASSERT_EQ(icons.Count(), 1);
+    EXPECT_EQ(icons.ListLine(0), QStringLiteral("Archery Aim (32x32)"));
+    EXPECT_EQ(icons.paths[0], QStringLiteral("texture_library/GUI/Icons/Powers"));
+
+    for (int outside : {-1, 3, 32767}) {
+        const CatalogueSelection none = ReadCatalogueSelection(file, outside);
+        EXPECT_EQ(none.categories, categories);
+        EXPECT_EQ(none.Count(), 0);
+        EXPECT_EQ(none.error, QString());
+    }
+}
+
+TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchanged) {
+    const QList<CatalogueCategory> categories{
+        {"Skies, all", {{" Clouds ", 512, 256, "texture_library/GUI/Sky", "clouds"}}},
+        {"Empty", {}},
+        {"Icons", {{"Aim", 32, 64, "texture_library/GUI/Icons", "Archery_Aim"}}}};
+    const QString file = root() + QStringLiteral("/new/folder/kelvaris.csv");
+    ASSERT_EQ(WriteCatalogue(file, categories), QString());
+    const CatalogueContents back = ReadCatalogue(file);
+    EXPECT_EQ(back.error, QString());
+    ASSERT_EQ(back.categories.size(), 3);
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_EQ(back.categories[c].name, categories[c].name);
+        ASSERT_EQ(back.categories[c].entries.size(), categories[c].entries.size());
+        for (qsizetype t = 0; t < categories[c].entries.size(); ++t) {
+            const CatalogueEntry& a = back.categories[c].entries[t];
+            const CatalogueEntry& b = categories[c].entries[t];
+            EXPECT_EQ(a.name, b.name);
+            EXPECT_EQ(a.width, b.width);
+            EXPECT_EQ(a.height, b.height);
+            EXPECT_EQ(a.folder, b.folder);
+            EXPECT_EQ(a.file, b.file);
+        }
+    }
+    EXPECT_TRUE(readFile(file).startsWith("3\r\n\"Skies, all\",1\r\n\" Clouds \",512,256,"));
+}
+
+TEST_F(CatalogueReaderTest, TextsTheFormCannotHoldAreNotWritten) {
+    const QString file = catalogue("old");
+    for (const CatalogueEntry& bad :
+         {CatalogueEntry{"say \"hi\"", 1, 1, "a", "b"},
+          CatalogueEntry{"two\nlines", 1, 1, "a", "b"}, CatalogueEntry{"big", 32768, 1, "a", "b"},
+          CatalogueEntry{"none", 0, 1, "a", "b"}}) {
+        const QString error = WriteCatalogue(file, {{"C", {bad}}});
+        EXPECT_TRUE(error.contains(QStringLiteral("was not written"))) << error.toStdString();
+        EXPECT_EQ(readFile(file), QByteArray("old"));
+    }
+    QList<CatalogueCategory> tooMany(kMaxCatalogueCount + 1, CatalogueCategory{"c", {}});
+    EXPECT_FALSE(WriteCatalogue(file, tooMany).isEmpty());
+    EXPECT_EQ(readFile(file), QByteArray("old"));
+}
+
+struct HostileCase {
+    const char* label;
+    QByteArray text;
+    const char* error; // part of the message
+    int categories;    // categories still listed
+    int textures;      // textures of category 0 still usable
+    friend void PrintTo(const HostileCase& c, std::ostream* os) { *os << c.label; }
+};
+
+class HostileCatalogue : public CatalogueReaderTest,
+                         public ::testing::WithParamInterface<HostileCase> {};
+
+TEST_P(HostileCatalogue, GivesOneClearMessageAndKeepsWhatItCould) {
+    const HostileCase& c = GetParam();
+    const CatalogueSelection selection = ReadCatalogueSelection(catalogue(c.text), 0);
+    EXPECT_TRUE(selection.error.contains(QString::fromUtf8(c.error)))
+        << c.label << ": " << selection.error.toStdString();
+    EXPECT_TRUE(selection.error.startsWith(QStringLiteral("The texture catalogue \"")));
+    EXPECT_EQ(selection.categories.size(), c.categories) << c.label;
+    EXPECT_EQ(selection.Count(), c.textures) << c.label;
+}
+
+const QByteArray kRecord = "\"T\",64,64,\"texture_library/GUI/x\",\"t\"\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Catalogue, HostileCatalogue,
+    ::testing::Values(
+        HostileCase{"empty", "", "is empty", 0, 0},
+        HostileCase{"blank", " \r\n\r\n ", "is empty", 0, 0},
+        HostileCase{"negative categories", "-1\r\n", "negative number for the number of categories",
+                    0, 0},
+        HostileCase{"text for a count", "many\r\n", "no number from 0 to 32767", 0, 0},
+        HostileCase{"count out of range", "40000\r\n", "no number from 0 to 32767", 0, 0},
+        HostileCase{"more categories than written", "3\n\"A\",0\n",
+                    "ends before the name of category 2 of 3", 1, 0},
+        HostileCase{"negative textures", "1\n\"A\",-4\n" + kRecord, "negative number", 0, 0},
+        HostileCase{"hostile texture count", "1\n\"A\",30000\n" + kRecord + kRecord + kRecord,
+                    "ends before the name of texture 4 of 30000 in \"A\"", 1, 3},
+        HostileCase{"truncated record", "1\n\"A\",2\n" + kRecord + "\"U\",32",
+                    "ends before the size of texture 2 of 2", 1, 1},
+        HostileCase{"truncated before the file", "1\n\"A\",1\n\"U\",32,32,\"f\"",
+                    "ends before the file name of texture 1 of 1", 1, 0},
+        HostileCase{"text for a width", "1\n\"A\",2\n" + kRecord + "\"U\",wide,32,\"f\",\"g\"\n",
+                    "no number from -32768 to 32767 for the size of texture 2", 1, 1},
+        HostileCase{"unclosed quote", "1\n\"A\",1\n\"T,64,64,f,g\n", "never closed, at line 3", 1,
+                    0},
+        HostileCase{"folder leaving the game",
+                    "1\n\"A\",3\n" + kRecord +
+                        "\"Up\",8,8,\"texture_library/../../../etc\",\"x\"\n" + kRecord,
+                    "1 texture(s)", 1, 2},
+        HostileCase{"absolute folder", "1\n\"A\",2\n\"Abs\",8,8,\"/etc\",\"passwd\"\n" + kRecord,
+                    "The first is \"Abs\" (8x8, \"/etc\", \"passwd\")", 1, 1},
+        HostileCase{
+            "file leaving its folder",
+            "1\n\"A\",3\n\"F\",8,8,\"texture_library\",\"../x\"\n\"G\",8,8,\"a\",\"b/c\"\n" +
+                kRecord,
+            "2 texture(s)", 1, 1},
+        HostileCase{"sizes not positive",
+                    "1\n\"A\",3\n\"Z\",0,8,\"a\",\"b\"\n\"N\",-8,8,\"a\",\"b\"\n" + kRecord,
+                    "size is not positive", 1, 1}),
+    [](const auto& info) {
+        QString name = QString::fromLatin1(info.param.label);
+        name.replace(u' ', u'_');
+        return name.toStdString();
+    });
+
+TEST_F(CatalogueReaderTest, AMissingCatalogueIsNamed) {
+    const QString missing = root() + QStringLiteral("/nowhere/kelvaris.csv");
+    const CatalogueSelection selection = ReadCatalogueSelection(missing, 0);
+    EXPECT_EQ(selection.error,
+              QStringLiteral("The texture catalogue \"%1\" was not found.").arg(missing));
+    EXPECT_TRUE(selection.categories.isEmpty());
+}
+
+TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWins) {
+    EXPECT_EQ(UserCatalogueFile(), configHome() + QStringLiteral("/kelvaris/kelvaris.csv"));
+    EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
+    // The shipped catalogue is found beside the program.
+    EXPECT_TRUE(QFileInfo(ShippedCatalogueFile()).isFile()) << ShippedCatalogueFile().toStdString();
+    writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), "0\r\n");
+    EXPECT_EQ(CatalogueFile(), UserCatalogueFile());
+    qunsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(UserCatalogueFile(), root() + QStringLiteral("/home/.config/kelvaris/kelvaris.csv"));
+}
+
+TEST(ShippedCatalogue, ListsRealGameTexturesAndReachesTheBuildTree) {
+    for (const QString& file : {QStringLiteral(KELVARIS_SOURCE_DIR "/data/kelvaris.csv"),
+                                QStringLiteral(KELVARIS_PROGRAM_DIR "/kelvaris.csv")}) {
+        const CatalogueContents contents = ReadCatalogue(file);
+        EXPECT_EQ(contents.error, QString()) << file.toStdString();
+        QStringList games;
+        for (const CatalogueCategory& category : contents.categories)
+            for (const CatalogueEntry& entry : category.entries)
+                games.append(entry.folder + u'/' + entry.file);
+        EXPECT_TRUE(games.contains(QStringLiteral("texture_library/GUI/Icons/Powers/Archery_Aim")));
+        EXPECT_TRUE(games.contains(QStringLiteral(
+            "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background")));
+    }
+}
+
+class TexturePathTest : public TestEnvironment {};
+
+TEST_F(TexturePathTest, GamePathsReuseFoldersInAnyLetterCase) {
+    const QString game = root() + QStringLiteral("/CoH");
+    QDir().mkpath(game + QStringLiteral("/Data/Texture_Library/gui/Icons"));
+    EXPECT_EQ(
+        TextureGameFile(game, QStringLiteral("texture_library/GUI/Icons"), QStringLiteral("A")),
+        game + QStringLiteral("/Data/Texture_Library/gui/Icons/A.texture"));
+    EXPECT_EQ(TextureSaveFolder(game, QStringLiteral("texture_library/GUI/New")),
+              game + QStringLiteral("/Data/Texture_Library/gui/New/"));
+    EXPECT_EQ(TextureGameFile(game, QStringLiteral("texture_library/../.."), QStringLiteral("A")),
+              QString());
+    EXPECT_EQ(TextureGameFile(game, QStringLiteral("texture_library"), QStringLiteral("../A")),
+              QString());
+    EXPECT_EQ(TextureSaveFolder(game, QStringLiteral("/etc")), QString());
+    EXPECT_EQ(TextureGameFile(QString(), QStringLiteral("a"), QStringLiteral("b")), QString());
+}
+
+TEST(SlashToBackslash, KeepsTheNativeSeparatorOnLinux) {
+    EXPECT_EQ(SlashToBackslash(QStringLiteral("texture_library/GUI/x y\\z")),
+              QStringLiteral("texture_library/GUI/x y\\z"));
+    EXPECT_EQ(CatalogueListLine(QStringLiteral("Clouds"), 512, 256),
+              QStringLiteral("Clouds (512x256)"));
+}
+
+} // namespace
