@@ -136,13 +136,15 @@ CatalogueContents CatalogueParser::Parse() {
             for (int t = 0; t < textureCount && complete; ++t) {
                 CatalogueEntry entry;
                 complete = readRecord(entry, category.name, t, textureCount);
-                if (!complete || !keep)
+                if (!complete)
                     continue;
-                if (entry.width > 0 && entry.height > 0 &&
-                    IsSafeCatalogueEntry(entry.folder, entry.file))
-                    category.entries.append(std::move(entry));
-                else
+                // Every category is checked, so the message is the same
+                // whichever category is selected.
+                if (entry.width <= 0 || entry.height <= 0 ||
+                    !IsSafeCatalogueEntry(entry.folder, entry.file))
                     refuse(entry);
+                else if (keep)
+                    category.entries.append(std::move(entry));
             }
             contents.categories.append(std::move(category));
             if (!complete)

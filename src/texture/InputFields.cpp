@@ -18,7 +18,13 @@ InputFields::InputFields(QByteArray text) : text_(std::move(text)) {
 }
 
 int InputFields::Line() const {
-    return 1 + int(QByteArrayView(text_).first(fieldStart_).count('\n'));
+    // A line ends with LF, CR LF or a lone CR.
+    int line = 1;
+    for (qsizetype i = 0; i < fieldStart_; ++i)
+        if (text_[i] == '\n' ||
+            (text_[i] == '\r' && (i + 1 >= text_.size() || text_[i + 1] != '\n')))
+            ++line;
+    return line;
 }
 
 void InputFields::skipSeparator() {

@@ -121,6 +121,8 @@ TEST_P(HostileCatalogue, GivesOneClearMessageAndKeepsWhatItCould) {
     EXPECT_TRUE(selection.error.startsWith(QStringLiteral("The texture catalogue \"")));
     EXPECT_EQ(selection.categories.size(), c.categories) << c.label;
     EXPECT_EQ(selection.Count(), c.textures) << c.label;
+    // The same message whichever category is shown.
+    EXPECT_EQ(ReadCatalogueSelection(catalogue(c.text), 1).error, selection.error);
 }
 
 const QByteArray kRecord = "\"T\",64,64,\"texture_library/GUI/x\",\"t\"\n";
