@@ -64,7 +64,11 @@ QString textureKey(const QString& folder, const QString& file) {
 // letter case land in one category.
 class CategorySet {
 public:
+    bool Contains(const CatalogueEntry& entry) const {
+        return keys_.contains(textureKey(entry.folder, entry.file));
+    }
     void Add(const CatalogueEntry& entry) {
+        keys_.insert(textureKey(entry.folder, entry.file));
         CatalogueCategory& category = categories_[entry.folder.toLower()];
         if (category.name.isEmpty())
             category.name = categoryName(entry.folder);
@@ -85,6 +89,7 @@ public:
 
 private:
     QHash<QString, CatalogueCategory> categories_;
+    QSet<QString> keys_;
     int textures_ = 0;
 };
 
@@ -97,7 +102,6 @@ public:
     const CategorySet& Found() const { return found_; }
     QStringList Problems() const { return problems_; }
     int Unreadable() const { return unreadable_; }
-    QSet<QString> Keys() const { return keys_; }
 
 private:
     bool readDirectories();
@@ -259,13 +263,10 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
 
     // Textures the shipped catalogue knows but the archives lack keep their place.
     CategorySet all = builder.Found();
-    QSet<QString> keys = builder.Keys();
     for (const CatalogueCategory& category : ReadCatalogue(ShippedCatalogueFile()).categories)
         for (const CatalogueEntry& entry : category.entries)
-            if (!keys.contains(textureKey(entry.folder, entry.file))) {
-                keys.insert(textureKey(entry.folder, entry.file));
+            if (!all.Contains(entry))
                 all.Add(entry);
-            }
 
     QList<CatalogueCategory> categories = all.Sorted();
     const int dropped = FitCatalogueCounts(categories);

@@ -11,7 +11,9 @@ namespace {
 // about two megabytes); it keeps a stray huge file from being read at all.
 constexpr qint64 kMaxCatalogueBytes = 32 * 1024 * 1024;
 
+// What the parser keeps besides a category index.
 constexpr int kAllCategories = -1;
+constexpr int kNoCategory = -2;
 
 class CatalogueParser {
 public:
@@ -42,10 +44,8 @@ void CatalogueParser::fail(const QString& problem) {
 void CatalogueParser::refuse(const CatalogueEntry& entry) {
     if (refused_++ == 0)
         firstRefused_ = QStringLiteral("\"%1\" (%2x%3, \"%4\", \"%5\")")
-                            .arg(entry.name)
-                            .arg(entry.width)
-                            .arg(entry.height)
-                            .arg(entry.folder, entry.file);
+                            .arg(entry.name, QString::number(entry.width),
+                                 QString::number(entry.height), entry.folder, entry.file);
 }
 
 bool CatalogueParser::readText(QString& value, const QString& what) {
@@ -68,14 +68,12 @@ bool CatalogueParser::readCount(qint16& value, const QString& what) {
         if (value >= 0)
             return true;
         fail(QStringLiteral("gives a negative number for %1, at line %2.")
-                 .arg(what)
-                 .arg(fields_.Line()));
+                 .arg(what, QString::number(fields_.Line())));
         return false;
     case InputFields::Status::NotNumber:
     case InputFields::Status::OutOfRange:
         fail(QStringLiteral("has no number from 0 to 32767 where %1 belongs, at line %2.")
-                 .arg(what)
-                 .arg(fields_.Line()));
+                 .arg(what, QString::number(fields_.Line())));
         return false;
     case InputFields::Status::Unclosed:
         fail(QStringLiteral("has a quoted text that is never closed, at line %1.")
@@ -90,8 +88,8 @@ bool CatalogueParser::readCount(qint16& value, const QString& what) {
 
 bool CatalogueParser::readRecord(CatalogueEntry& entry, const QString& category, int index,
                                  int count) {
-    const QString where =
-        QStringLiteral(" of texture %1 of %2 in \"%3\"").arg(index + 1).arg(count).arg(category);
+    const QString where = QStringLiteral(" of texture %1 of %2 in \"%3\"")
+                              .arg(QString::number(index + 1), QString::number(count), category);
     qint16 width = 0;
     qint16 height = 0;
     if (!readText(entry.name, QStringLiteral("the name") + where))
@@ -104,6 +102,9 @@ bool CatalogueParser::readRecord(CatalogueEntry& entry, const QString& category,
     if (status != InputFields::Status::Ok) {
         if (status == InputFields::Status::End)
             fail(QStringLiteral("ends before the size") + where + u'.');
+        else if (status == InputFields::Status::Unclosed)
+            fail(QStringLiteral("has a quoted text that is never closed, at line %1.")
+                     .arg(fields_.Line()));
         else
             fail(QStringLiteral("has no number from -32768 to 32767 for the size") + where +
                  QStringLiteral(", at line %1.").arg(fields_.Line()));
@@ -159,9 +160,7 @@ CatalogueContents CatalogueParser::Parse() {
                                        "folder or file name leaves the game's data folder or "
                                        "whose size is not positive; they were left out. The "
                                        "first is %3.")
-                            .arg(fileName_)
-                            .arg(refused_)
-                            .arg(firstRefused_));
+                            .arg(fileName_, QString::number(refused_), firstRefused_));
     contents.error = problems.join(u'\n');
     return contents;
 }
@@ -184,7 +183,7 @@ CatalogueContents parseFile(const QString& fileName, int keep) {
 } // namespace
 
 CatalogueSelection ReadCatalogueSelection(const QString& fileName, int category) {
-    const CatalogueContents contents = parseFile(fileName, category < 0 ? -2 : category);
+    const CatalogueContents contents = parseFile(fileName, category < 0 ? kNoCategory : category);
     CatalogueSelection selection;
     selection.error = contents.error;
     for (qsizetype c = 0; c < contents.categories.size(); ++c) {

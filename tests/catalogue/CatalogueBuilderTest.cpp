@@ -6,6 +6,9 @@
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
 
+#include <QFileInfo>
+#include <QtEndian>
+
 namespace {
 
 const QString kPowers = QStringLiteral("texture_library/GUI/Icons/Powers");
@@ -144,8 +147,13 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     writeFile(QStringLiteral("CoH/piggs/broken.pigg"), broken);
     QByteArray headless = MakeTestTexture(8, 8, false);
     headless.replace("DDS ", "XXXX");
+    // An old texture whose long internal name pushes its DDS header far out.
+    QByteArray longName = MakeTestTexture(300, 200, false);
+    longName.insert(32, QByteArray(1000, 'n'));
+    PutU32(longName, 0, qFromLittleEndian<quint32>(longName.constData()) + 1000);
     writeArchive(QStringLiteral("piggs/zz.pigg"),
-                 {{kPowers + QStringLiteral("/NoSize.texture"), headless, false},
+                 {{kPowers + QStringLiteral("/LongName.texture"), longName, true},
+                  {kPowers + QStringLiteral("/NoSize.texture"), headless, false},
                   {kPowers + QStringLiteral("/Quote\".texture"), MakeTestTexture(8, 8), false}});
 
     HeadlessBusy host;
@@ -153,14 +161,18 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     EXPECT_TRUE(result.written);
     const QStringList lines = result.message.split(u'\n');
     ASSERT_EQ(lines.size(), 3) << result.message.toStdString();
-    EXPECT_EQ(lines[0], QStringLiteral("6 textures in 5 categories"));
+    EXPECT_EQ(lines[0], QStringLiteral("7 textures in 5 categories"));
     EXPECT_TRUE(
         lines[1].endsWith(QStringLiteral("broken.pigg\" is damaged: its directory of "
                                          "4294967295 entries runs past the end of the file.")))
         << lines[1].toStdString();
     EXPECT_EQ(lines[2],
               QStringLiteral("2 textures were left out: their size or name could not be read."));
-    EXPECT_EQ(ReadCatalogue(UserCatalogueFile()).error, QString());
+    const CatalogueSelection powers = ReadCatalogueSelection(UserCatalogueFile(), 3);
+    EXPECT_EQ(powers.error, QString());
+    ASSERT_TRUE(powers.names.contains(QStringLiteral("LongName")));
+    EXPECT_EQ(powers.ListLine(int(powers.names.indexOf(QStringLiteral("LongName")))),
+              QStringLiteral("LongName (300x200)"));
 }
 
 TEST_F(CatalogueBuilderTest, ArchivesWithoutInterfaceTexturesChangeNothing) {
