@@ -65,6 +65,23 @@ bool cDIBSection::CreateFromPicture(const QImage& picThis) {
         ClearUp();
         return false;
     }
+    // Decoders mostly give 32-bit pixels: those are taken over directly
+    // (alpha dropped), anything else is converted first.
+    const QImage::Format format = picThis.format();
+    if (format == QImage::Format_RGB32 || format == QImage::Format_ARGB32) {
+        if (!Create(picThis.width(), picThis.height()))
+            return false;
+        for (long y = 0; y < height_; ++y) {
+            const auto* from = reinterpret_cast<const QRgb*>(picThis.constScanLine(int(y)));
+            std::uint8_t* to = Row(height_ - 1 - y);
+            for (long x = 0; x < width_; ++x, to += 3) {
+                to[0] = std::uint8_t(qBlue(from[x]));
+                to[1] = std::uint8_t(qGreen(from[x]));
+                to[2] = std::uint8_t(qRed(from[x]));
+            }
+        }
+        return true;
+    }
     const QImage bgr = picThis.convertToFormat(QImage::Format_BGR888);
     if (bgr.isNull() || !Create(bgr.width(), bgr.height()))
         return false;
