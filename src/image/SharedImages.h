@@ -23,6 +23,9 @@ struct SharedImages {
     std::shared_ptr<cDIBSection> previewHL = std::make_shared<cDIBSection>();
     std::shared_ptr<cDIBSection> previewHC = std::make_shared<cDIBSection>();
     std::shared_ptr<cDIBSection> previewOnShow = std::make_shared<cDIBSection>();
+    // While the level adjustment is open: a copy of the unframed preview
+    // with the levels being tried.
+    std::shared_ptr<cDIBSection> previewWorking = std::make_shared<cDIBSection>();
     int previewWidth = 240;
     int previewLeft = 0;
     // Which preview is on show: 1 login, 2 character, anything else neither.

@@ -2,40 +2,25 @@
 
 #include "PreviewBox.h"
 #include "ScreenTargets.h"
+#include "ScreensTabControls.h"
 #include "TextureWriter.h"
 #include "app/Form1.h"
 #include "app/PathUtils.h"
 #include "app/SettingsTab.h"
 #include "app/UiServices.h"
+#include "image/FrameOverlay.h"
 #include "image/ImageOpenDialog.h"
 #include "image/LoadImage.h"
 #include "image/SharedImages.h"
 
 #include <QCheckBox>
 #include <QEvent>
-#include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
-
-namespace {
-
-QPushButton* makeButton(const char* caption, const char* name, QWidget* parent) {
-    auto* button = new QPushButton(QString::fromLatin1(caption), parent);
-    button->setObjectName(QString::fromLatin1(name));
-    return button;
-}
-
-QLineEdit* makeBox(const char* name, QWidget* parent) {
-    auto* box = new QLineEdit(parent);
-    box->setObjectName(QString::fromLatin1(name));
-    return box;
-}
-
-} // namespace
 
 ScreensTab::ScreensTab(Form1& form, SharedImages& images, QWidget* parent)
     : QWidget(parent), form_(form), images_(images) {
@@ -65,35 +50,8 @@ ScreensTab::ScreensTab(Form1& form, SharedImages& images, QWidget* parent)
     pictureLayout->addWidget(scrPreview_, 0, Qt::AlignHCenter);
     pictureLayout->addLayout(saveRow);
 
-    auto* framesFrame = new QGroupBox(QStringLiteral("Frames"), this);
-    scrFrames_ = new QCheckBox(QStringLiteral("Overlay image frames"), framesFrame);
-    scrFrames_->setObjectName(QStringLiteral("scrFrames"));
-    scrFramesPreview_ = new QCheckBox(QStringLiteral("Display frames in preview"), framesFrame);
-    scrFramesPreview_->setObjectName(QStringLiteral("scrFramesPreview"));
-    FrameHL_ = makeBox("FrameHL", framesFrame);
-    FrameHC_ = makeBox("FrameHC", framesFrame);
-    BrowseHL_ = makeButton("Browse...", "BrowseHL", framesFrame);
-    BrowseHC_ = makeButton("Browse...", "BrowseHC", framesFrame);
-    auto* rule = new QLabel(QStringLiteral("Image frames must be 1024x768 pixels in size.") +
-                                QString(19, u' ') +
-                                QStringLiteral("Pixels with the color #ff00ff will be treated as "
-                                               "transparent."),
-                            framesFrame);
-    rule->setWordWrap(true);
-    auto* framesLayout = new QGridLayout(framesFrame);
-    framesLayout->addWidget(scrFrames_, 0, 0, 1, 2);
-    framesLayout->addWidget(scrFramesPreview_, 0, 2);
-    framesLayout->addWidget(new QLabel(QStringLiteral("Login screen:"), framesFrame), 1, 0);
-    framesLayout->addWidget(FrameHL_, 1, 1);
-    framesLayout->addWidget(BrowseHL_, 1, 2);
-    framesLayout->addWidget(new QLabel(QStringLiteral("Character screen:"), framesFrame), 2, 0);
-    framesLayout->addWidget(FrameHC_, 2, 1);
-    framesLayout->addWidget(BrowseHC_, 2, 2);
-    framesLayout->addWidget(rule, 3, 0, 1, 3);
-
-    adjFrame_ = new QGroupBox(QStringLiteral("Image adjustment"), this);
-    adjFrame_->setObjectName(QStringLiteral("adjFrame"));
-    adjFrame_->hide();
+    QWidget* framesFrame = buildFramesFrame();
+    buildAdjustmentFrame();
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(pictureFrame);
@@ -104,6 +62,7 @@ ScreensTab::ScreensTab(Form1& form, SharedImages& images, QWidget* parent)
     connect(scrBrowse_, &QPushButton::clicked, this, &ScreensTab::scrBrowse_Click);
     connect(scrSaveHL_, &QPushButton::clicked, this, &ScreensTab::scrSaveHL_Click);
     connect(scrSaveHC_, &QPushButton::clicked, this, &ScreensTab::scrSaveHC_Click);
+    connect(scrPreview_, &PreviewBox::Clicked, this, &ScreensTab::scrPreview_Click);
 }
 
 void ScreensTab::UpdateButtons(const QString& gameFolder) {
@@ -140,18 +99,6 @@ bool ScreensTab::LoadScreenImage(const QString& FileName) {
     return true;
 }
 
-void ScreensTab::UpdatePreviews() {
-    // Without frames both screens show the same picture: one bitmap serves
-    // as the preview on show and as both previews.
-    auto copy = images_.previewSource->Resample(kPreviewHeight, images_.previewWidth);
-    auto unframed = std::make_shared<cDIBSection>(copy ? std::move(*copy) : cDIBSection());
-    images_.previewOnShow = unframed;
-    images_.previewHL = unframed;
-    images_.previewHC = unframed;
-    form_.SetBusy(false, false, 0, QString());
-    paintPreview();
-}
-
 void ScreensTab::paintPreview() {
     scrPreview_->ShowPicture(images_.previewOnShow, images_.previewLeft);
 }
@@ -183,16 +130,19 @@ bool ScreensTab::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ScreensTab::scrSaveHL_Click() {
-    save(scrSaveHL_, kLoginScreen);
+    save(scrSaveHL_, FrameHL_, kLoginScreen);
 }
 
 void ScreensTab::scrSaveHC_Click() {
-    save(scrSaveHC_, kCharacterScreen);
+    save(scrSaveHC_, FrameHC_, kCharacterScreen);
 }
 
-void ScreensTab::save(QPushButton* button, const ScreenTarget& target) {
+void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarget& target) {
     button->setEnabled(false);
-    images_.outputImage = images_.screenImage;
+    if (!scrFrames_->isChecked())
+        images_.outputImage = images_.screenImage;
+    else
+        images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
     TextureContext context;
     context.workFolder = WorkFolder();

@@ -10,6 +10,7 @@ class QCheckBox;
 class QGroupBox;
 class QLineEdit;
 class QPushButton;
+class QScrollBar;
 
 // The "Screens" tab: pick a picture, see it in the preview, and write it as
 // the game's login screen or character-selection background.
@@ -26,8 +27,15 @@ public:
     // previews; false (after the message) when it could not be read.
     bool LoadScreenImage(const QString& FileName);
 
-    // Rebuilds the login and character previews and repaints.
+    // Rebuilds the login and character previews (framed when frames are
+    // shown in the preview) and repaints.
     void UpdatePreviews();
+
+    // Lets the player pick a frame picture for the box; it must be 1024 x 768.
+    void BrowseFrame(QLineEdit* box);
+
+    // Opens the level adjustment for the current picture.
+    void DisplayImageControls();
 
     void scrBrowse_Click();
     void scrSaveHL_Click();
@@ -35,14 +43,27 @@ public:
     // The pointer over a save button shows what that button writes.
     void scrSaveHL_MouseMove();
     void scrSaveHC_MouseMove();
+    void scrPreview_Click();
+    void scrFrames_Click();
+    void scrFramesPreview_Click();
+    void BrowseHL_Click();
+    void BrowseHC_Click();
+    void adjBlack_Change();
+    void adjWhite_Change();
+    void adjApply_Click();
+    void adjRevert_Click();
+    void adjCancel_Click();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void save(QPushButton* button, const ScreenTarget& target);
+    void save(QPushButton* button, QLineEdit* frameBox, const ScreenTarget& target);
     void showPreview(int which);
     void paintPreview();
+    QWidget* buildFramesFrame();
+    QWidget* buildAdjustmentFrame();
+    void remakeWorkingPreview(bool adjusted);
 
     Form1& form_;
     SharedImages& images_;
@@ -58,4 +79,8 @@ private:
     QPushButton* BrowseHL_;
     QPushButton* BrowseHC_;
     QGroupBox* adjFrame_;
+    QScrollBar* adjBlack_;
+    QScrollBar* adjWhite_;
+    QLineEdit* adjBlackDisplay_;
+    QLineEdit* adjWhiteDisplay_;
 };
