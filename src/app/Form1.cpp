@@ -8,6 +8,7 @@
 #include "SettingsTab.h"
 #include "VersionString.h"
 #include "modRegistry.h"
+#include "texture/ScreensTab.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -51,7 +52,8 @@ void Form1::buildWindow() {
 
     SSTab1_ = new QTabWidget(this);
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
-    addPlaceholderTab(QStringLiteral("Screens"));
+    screensTab_ = new ScreensTab(*this, images_, SSTab1_);
+    SSTab1_->addTab(screensTab_, QStringLiteral("Screens"));
     addPlaceholderTab(QStringLiteral("Randomizer"));
     addPlaceholderTab(QStringLiteral("Music"));
     addPlaceholderTab(QStringLiteral("Textures"));
@@ -201,7 +203,7 @@ void Form1::rndTimeout_Timer() {
 
 void Form1::UpdateButtons() {
     // Each tab that owns save buttons applies its own rule, in this order.
-    // Screens rule: once the Screens tab is part of the build.
+    screensTab_->UpdateButtons(GameFolder());
     // Randomizer rule: once the Randomizer tab is part of the build.
     // Music rule: once the Music tab is part of the build.
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "BusyHost.h"
+#include "image/SharedImages.h"
 
 #include <QStringList>
 #include <QWidget>
-
 #include <functional>
 
 class CreditsTab;
@@ -12,6 +12,7 @@ class QProgressBar;
 class QPushButton;
 class QTabWidget;
 class QTimer;
+class ScreensTab;
 class SettingsTab;
 class UiServices;
 
@@ -38,6 +39,7 @@ public:
 
     UiServices& Ui() { return ui_; }
     SettingsTab& Settings() { return *settingsTab_; }
+    SharedImages& Images() { return images_; }
     QString GameFolder() const;
 
     // The one enabling procedure for the save buttons of the Screens,
@@ -87,6 +89,7 @@ private:
     QPushButton* Quit_ = nullptr;
     QTimer* rndTimeout_ = nullptr;
     SettingsTab* settingsTab_ = nullptr;
+    ScreensTab* screensTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
 
     bool loaded_ = false;
@@ -96,4 +99,6 @@ private:
     bool cancelRequested_ = false;
     double lastBusyChange_ = 0.0;
     double lastDataTime_ = 0.0;
+
+    SharedImages images_;
 };

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+class BusyHost;
+class UiServices;
+class cDIBSection;
+
+// Called by LoadImage, between its progress steps, with the freshly
+// resampled picture: the Screens tab makes and paints its previews here.
+using PreviewMaker = std::function<void(const cDIBSection& image)>;
+
+// Reads a picture file into dibDest, resampled to ImageWidth x ImageHeight,
+// showing the busy state with the file's name. With makePreviews set, it is
+// also given the picture to build the previews from. On failure the player
+// sees "Image could not be loaded." and the result is false; dibDest is left
+// as it was.
+bool LoadImage(const QString& FileName, cDIBSection& dibDest, long ImageWidth, long ImageHeight,
+               BusyHost& busy, UiServices& ui, const PreviewMaker& makePreviews = {});
+
+// The Screens tab's previews are 180 rows high and as wide as the game's
+// screen is in proportion (rounded, halves to even), 10 to 425 pixels;
+// 240 when the width or height typed in the settings is not above 0.
+int PreviewWidth(const QString& widthText, const QString& heightText);
+constexpr int kPreviewHeight = 180;

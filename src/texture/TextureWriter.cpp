@@ -1,0 +1,312 @@
+#include "TextureWriter.h"
+
+#include "FileRecord.h"
+#include "app/BusyHost.h"
+#include "app/PathUtils.h"
+#include "app/UiServices.h"
+#include "image/cDIBSection.h"
+#include "modShellWait.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace {
+
+constexpr qint64 kDdsCopyChunk = 1024;
+constexpr qint64 kContainerCopyChunk = 16384;
+// CopyDdsToTexture announces an uncompressed 1024 x 1024 32-bit DDS whatever
+// it copies; the game reads the real size from the DDS header.
+constexpr qint32 kFixedPayloadSize = 4194432;
+
+QByteArray littleEndian32(const quint32* values, int count) {
+    QByteArray bytes;
+    bytes.reserve(count * 4);
+    for (int i = 0; i < count; ++i)
+        bytes += LongToString(qint32(values[i]));
+    return bytes;
+}
+
+QByteArray tgaHeader(long Width, long Height) {
+    // Descriptor 0x2F: rows top first, and 15 in the attribute-bits field
+    // where 8 would be exact; the compressor reads it either way.
+    const std::array<quint16, 9> words = {0,     2, 0, 0, 0, 0, quint16(Width), quint16(Height),
+                                          0x2F20};
+    QByteArray bytes;
+    for (quint16 word : words) {
+        bytes += char(word & 0xFF);
+        bytes += char(word >> 8);
+    }
+    return bytes;
+}
+
+QByteArray ddsHeader(long Width, long Height) {
+    std::array<quint32, 32> v{};
+    v[0] = 0x20534444; // "DDS "
+    v[1] = 124;
+    v[2] = 0x1007; // caps, height, width, pixel format
+    v[3] = quint32(Height);
+    v[4] = quint32(Width);
+    v[19] = 32;         // pixel format size
+    v[20] = 0x41;       // alpha present, RGB
+    v[22] = 32;         // bits per pixel
+    v[23] = 0x00FF0000; // red
+    v[24] = 0xFFFFFF00; // green, exactly so: the game takes it as written
+    v[25] = 0x000000FF; // blue
+    v[26] = 0xFF000000; // alpha
+    v[27] = 0x1000;     // texture
+    return littleEndian32(v.data(), int(v.size()));
+}
+
+QString shellQuoted(const QString& text) {
+    QString quoted = text;
+    quoted.replace(u'\'', QStringLiteral("'\\''"));
+    return u'\'' + quoted + u'\'';
+}
+
+// True when `path` names something inside `folder` (both made absolute and
+// clean), which is where every texture must go.
+bool insideFolder(const QString& path, const QString& folder) {
+    if (folder.isEmpty())
+        return false;
+    const QString root = QDir::cleanPath(QDir(folder).absolutePath());
+    const QString target = QDir::cleanPath(QDir(path).absolutePath());
+    return target.startsWith(root + u'/');
+}
+
+bool isPlainName(const QString& name) {
+    return IsContainedRelative(name) && !name.contains(u'/') && !name.contains(u'\\');
+}
+
+QString withSlash(const QString& folder) {
+    return folder.endsWith(u'/') ? folder : folder + u'/';
+}
+
+void removeQuietly(const QString& path) {
+    QFile::remove(path);
+}
+
+} // namespace
+
+QByteArray LongToString(qint32 value) {
+    const quint32 bits = quint32(value);
+    QByteArray bytes(4, '\0');
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = char((bits >> (8 * i)) & 0xFF);
+    return bytes;
+}
+
+QByteArray TextureHeader(qint32 payloadSize, qint32 texWidth, qint32 texHeight,
+                         const QString& texPath, const QString& SaveFile) {
+    const QByteArray name = (texPath + SaveFile + QStringLiteral(".dds")).toUtf8();
+    QByteArray header;
+    header += LongToString(qint32(32 + name.size() + 1));
+    header += LongToString(payloadSize);
+    header += LongToString(texWidth);
+    header += LongToString(texHeight);
+    header += QByteArray(12, '\0');
+    header += LongToString(0x32585400); // 0x00 "TX2"
+    header += name;
+    header += '\0';
+    return header;
+}
+
+QString FindCompressor() {
+    const QFileInfo beside(ProgramFolder() + QStringLiteral("/nvcompress"));
+    if (beside.isFile() && beside.isExecutable())
+        return beside.absoluteFilePath();
+    return QStandardPaths::findExecutable(QStringLiteral("nvcompress"));
+}
+
+QByteArray CompressorScript(const QString& workFolder, const QString& tool, bool IsLoginScreen,
+                            bool Alpha) {
+    // Screens get BC1 without mipmaps, textures with an alpha mask BC3,
+    // all others BC1; the last two keep the tool's default mipmaps.
+    QString options = QStringLiteral(" -bc1 temp_tga.tga temp_dds.dds>nvcompress.log");
+    if (IsLoginScreen)
+        options = QStringLiteral(" -bc1 -nomips temp_tga.tga temp_dds.dds>nvcompress.log");
+    else if (Alpha)
+        options = QStringLiteral(" -bc3 temp_tga.tga temp_dds.dds>nvcompress.log");
+    const QString program = tool.isEmpty() ? QStringLiteral("nvcompress") : shellQuoted(tool);
+    return (QStringLiteral("#!/bin/sh\n") + QStringLiteral("cd ") + shellQuoted(workFolder) +
+            u'\n' + program + options + u'\n')
+        .toUtf8();
+}
+
+void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, long Height,
+                    bool Alpha, const cDIBSection* cDibAlpha, bool AsTga, BusyHost& busy) {
+    const QByteArray header = AsTga ? tgaHeader(Width, Height) : ddsHeader(Width, Height);
+    WriteFileBytes(record, header.constData(), header.size());
+
+    const long rowBytes = Width * 4;
+    std::vector<quint8> buffer(static_cast<std::size_t>(std::max(rowBytes, 0L)) + 1, 0);
+    const long pixels = std::min(cDib.Width(), Width);
+    const bool masked = Alpha && cDibAlpha && !cDibAlpha->IsEmpty();
+    const long bitmapHeight = cDib.Height();
+
+    // The bitmap is stored bottom-up and the file wants the top row first.
+    for (long y = bitmapHeight - 1; y >= 0; --y) {
+        const quint8* source = cDib.Row(y);
+        const quint8* mask = masked && y < cDibAlpha->Height() ? cDibAlpha->Row(y) : nullptr;
+        const long maskPixels = mask ? cDibAlpha->Width() : 0;
+        quint8* into = buffer.data();
+        for (long x = 0; x < pixels; ++x, source += 3, into += 4) {
+            into[0] = source[0];
+            into[1] = source[1];
+            into[2] = source[2];
+            if (!Alpha)
+                into[3] = 255;
+            else
+                into[3] = x < maskPixels ? mask[3 * x] : 255;
+        }
+        WriteFileBytes(record, buffer.data(), rowBytes);
+        busy.ShowProgress(bitmapHeight - y, QString());
+    }
+
+    // The picture continues downwards by its bottom row; the loop runs to
+    // Height inclusive, one row more than the header declares, as the game's
+    // own files were made.
+    if (Height > bitmapHeight) {
+        for (long i = bitmapHeight; i <= Height; ++i) {
+            WriteFileBytes(record, buffer.data(), rowBytes);
+            busy.ShowProgress(i, QString());
+        }
+    }
+}
+
+bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QString& FileName,
+                  const cDIBSection& cDib, long Width, long Height, bool Texture, long texWidth,
+                  long texHeight, const QString& texPath, bool Alpha, const cDIBSection* cDibAlpha,
+                  bool IsLoginScreen, const TextureContext& context, BusyHost& busy,
+                  UiServices& ui) {
+    if (cDib.IsEmpty() || Width <= 0 || Height <= 0 || !isPlainName(FileName) ||
+        !insideFolder(SavePath, context.gameFolder))
+        return false;
+
+    MakePath(SavePath);
+    const QString folder = withSlash(ResolveExistingCase(SavePath));
+    busy.SetBusy(true, false, Height,
+                 QStringLiteral("Writing ") + FileName + QStringLiteral("..."));
+
+    const QString work = withSlash(context.workFolder);
+    const QString tgaFile = work + QStringLiteral("temp_tga.tga");
+    const QString ddsFile = work + QStringLiteral("temp_dds.dds");
+    const QString scriptFile = work + QStringLiteral("nvtemp.sh");
+    const QString compressing =
+        QStringLiteral("Compressing Texture ") + FileName + QStringLiteral("...");
+
+    FileRecord dds;
+    qint64 payloadSize = 0;
+    if (context.compress) {
+        FileRecord tga = OpenFileRecord(tgaFile, kGenericWrite, kShareReadWrite, kCreateAlways);
+        if (tga.Handle == -1)
+            return false;
+        WriteImageFile(tga, cDib, Width, Height, Alpha, cDibAlpha, true, busy);
+        busy.SetProgressMaximum(100);
+        busy.ShowProgress(0, compressing);
+        CloseFileRecord(tga);
+
+        // A result left over from an earlier failed run must not pass for
+        // this one's.
+        removeQuietly(ddsFile);
+        QFile script(scriptFile);
+        if (script.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            script.write(CompressorScript(context.workFolder,
+                                          context.compressor.isEmpty() ? FindCompressor()
+                                                                       : context.compressor,
+                                          IsLoginScreen, Alpha));
+        script.close();
+
+        QString message;
+        if (!ShellAndWait({QStringLiteral("/bin/sh"), scriptFile}, 0, message, context.toolTimeOut))
+            ui.Message(message, MsgIcon::Exclamation);
+
+        dds = OpenFileRecord(ddsFile, kGenericRead, kShareRead, kOpenExisting);
+        payloadSize = FileRecordLength(dds);
+        if (payloadSize == 0) {
+            ui.Message(QStringLiteral(
+                           "Error calling the NVIDIA tool!\r\nPlease disable Texture Compression."),
+                       MsgIcon::Critical);
+            CloseFileRecord(dds);
+            busy.SetBusy(false, false, 0, QString());
+            return false;
+        }
+    } else {
+        payloadSize = qint64(Width) * Height * 4 + 128;
+    }
+
+    const QString outputName = ResolveExistingCase(
+        folder + FileName + (Texture ? QStringLiteral(".texture") : QStringLiteral(".dds")));
+    FileRecord output = OpenReplacingFileRecord(outputName);
+    if (output.Handle == -1) {
+        CloseFileRecord(dds);
+        return false;
+    }
+
+    if (Texture) {
+        const QByteArray header = TextureHeader(qint32(payloadSize), qint32(texWidth),
+                                                qint32(texHeight), texPath, SaveFile);
+        WriteFileBytes(output, header.constData(), 32);
+        WriteFileBytes(output, header.constData() + 32, header.size() - 32);
+    }
+
+    if (context.compress) {
+        busy.SetProgressMaximum(long(payloadSize));
+        busy.ShowProgress(0, compressing);
+        // Every chunk is written whole: the copy ends padded with zeros to a
+        // multiple of 1024 bytes while the header keeps the exact length.
+        char chunk[kDdsCopyChunk];
+        qint64 position = 0;
+        while (position < payloadSize) {
+            busy.ShowProgress(long(position), QString());
+            std::fill(std::begin(chunk), std::end(chunk), '\0');
+            const qint64 read = ReadFileBytes(dds, chunk, kDdsCopyChunk);
+            if (read <= 0)
+                break;
+            WriteFileBytes(output, chunk, kDdsCopyChunk);
+            position += read;
+        }
+        CloseFileRecord(dds);
+        for (const QString& temporary : {scriptFile, tgaFile, ddsFile})
+            removeQuietly(temporary);
+    } else {
+        WriteImageFile(output, cDib, Width, Height, Alpha, cDibAlpha, false, busy);
+    }
+
+    busy.SetBusy(false, false, 0, QString());
+    return CommitFileRecord(output);
+}
+
+bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,
+                      const QString& texPath) {
+    if (!isPlainName(SaveFile))
+        return false;
+    FileRecord source = OpenFileRecord(SourceFile, kGenericRead, kShareRead, kOpenExisting);
+    if (source.Handle == -1)
+        return false;
+    MakePath(SavePath);
+    FileRecord output = OpenReplacingFileRecord(
+        ResolveExistingCase(withSlash(SavePath) + SaveFile + QStringLiteral(".texture")));
+    if (output.Handle == -1) {
+        CloseFileRecord(source);
+        return false;
+    }
+    const QByteArray header = TextureHeader(kFixedPayloadSize, 1024, 768, texPath, SaveFile);
+    WriteFileBytes(output, header.constData(), header.size());
+
+    std::vector<char> chunk(kContainerCopyChunk);
+    for (;;) {
+        const qint64 read = ReadFileBytes(source, chunk.data(), kContainerCopyChunk);
+        if (read < 0)
+            output.Failed = true;
+        if (read <= 0)
+            break;
+        WriteFileBytes(output, chunk.data(), read);
+    }
+    CloseFileRecord(source);
+    return CommitFileRecord(output);
+}

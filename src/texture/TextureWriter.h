@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class BusyHost;
+class UiServices;
+class cDIBSection;
+struct FileRecord;
+
+// Where a texture write keeps its temporary files, where it may write, and
+// how it makes the DDS image.
+struct TextureContext {
+    // The temporary TGA, DDS, script and the compressor's log live here.
+    QString workFolder;
+    // Every file written must lie inside the game folder; with none set,
+    // nothing is written.
+    QString gameFolder;
+    // Block-compress with NVIDIA's tool; otherwise write an uncompressed
+    // 32-bit DDS.
+    bool compress = false;
+    // The compressor; "" finds it (the program's folder, then PATH).
+    QString compressor;
+    qint64 toolTimeOut = 2000000000;
+};
+
+// Writes cDib as the game texture SavePath + FileName + ".texture" (Texture
+// true: the container header naming texPath + SaveFile + ".dds", then a whole
+// DDS image) or as the bare SavePath + FileName + ".dds". The DDS image is
+// Width x Height; the container announces texWidth x texHeight. With Alpha,
+// the alpha channel is the blue of cDibAlpha. IsLoginScreen compresses
+// without mipmaps. False when a file could not be written (the caller shows
+// the message), or after the compressor produced nothing (shown here).
+bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QString& FileName,
+                  const cDIBSection& cDib, long Width, long Height, bool Texture, long texWidth,
+                  long texHeight, const QString& texPath, bool Alpha, const cDIBSection* cDibAlpha,
+                  bool IsLoginScreen, const TextureContext& context, BusyHost& busy,
+                  UiServices& ui);
+
+// Writes one image into an open file: an 18-byte TGA header (AsTga) or the
+// 128-byte header of an uncompressed 32-bit DDS, then the rows top first as
+// blue, green, red, alpha. A bitmap shorter than Height is continued by its
+// bottom row, written once more than the rows missing.
+void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, long Height,
+                    bool Alpha, const cDIBSection* cDibAlpha, bool AsTga, BusyHost& busy);
+
+// Wraps an already converted DDS file into SavePath + SaveFile + ".texture"
+// as a 1024 x 768 picture, copying its bytes unchanged. False when either
+// file could not be opened or the texture not written.
+bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,
+                      const QString& texPath);
+
+// The four bytes of a 32-bit integer, least significant first.
+QByteArray LongToString(qint32 value);
+
+// The container header: header size, payload size, width, height, three
+// zeros, 0x00 "TX2", then texPath + SaveFile + ".dds" and a 0 byte.
+QByteArray TextureHeader(qint32 payloadSize, qint32 texWidth, qint32 texHeight,
+                         const QString& texPath, const QString& SaveFile);
+
+// The compressor to run: nvcompress in the program's folder, else on PATH;
+// "" when there is none.
+QString FindCompressor();
+
+// The three lines of the compressor script: go to the work folder, run the
+// tool with the options for the texture, its console output into
+// "nvcompress.log".
+QByteArray CompressorScript(const QString& workFolder, const QString& tool, bool IsLoginScreen,
+                            bool Alpha);
