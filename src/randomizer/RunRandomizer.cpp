@@ -1,0 +1,56 @@
+#include "RunRandomizer.h"
+
+#include "ChatClientLauncher.h"
+#include "RandomFile.h"
+#include "RandomizerArguments.h"
+#include "app/PathUtils.h"
+#include "texture/TextureWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <span>
+
+namespace {
+
+// A library half and the game screen it replaces.
+struct RandomScreen {
+    const char* library;     // below the game folder
+    const char* key;         // setting that remembers the last pick
+    const char* gameFolder;  // below the game folder
+    const char* textureName; // file and internal name
+    const char* texPath;     // internal folder
+};
+
+const RandomScreen kRandomScreens[] = {
+    {"/Kelvaris/RandomHL", "RandomHL", "/data/texture_library/GUI/CREATION/HybridUI/LoginScreen/",
+     "COH_LogInScreen_Background", "texture_library/GUI/CREATION/HybridUI/LoginScreen/"},
+    {"/Kelvaris/RandomHC", "RandomHC",
+     "/data/texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/", "background",
+     "texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/"},
+};
+
+} // namespace
+
+void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
+    const QString arguments = PassThroughArguments(CommandLine);
+    // Without a game folder there is nowhere Kelvaris may write; the client
+    // lookup below then tells the player.
+    for (const RandomScreen& screen : GameFolder.isEmpty() ? std::span<const RandomScreen>()
+                                                           : std::span(kRandomScreens)) {
+        const QString library = ResolveExistingCase(GameFolder + QString::fromLatin1(screen.library));
+        if (!QFileInfo(library).isDir())
+            continue; // no library for this screen: the game keeps its background
+        const QString target = GameFolder + QString::fromLatin1(screen.gameFolder);
+        MakePath(target);
+        const QString pick = RandomFile(library + u'/', QString::fromLatin1(screen.key));
+        if (pick.isEmpty())
+            continue;
+        CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(screen.textureName),
+                         ResolveExistingCase(target), QString::fromLatin1(screen.texPath));
+    }
+    // The client starts in the game folder, as it would from its own shortcut.
+    if (!GameFolder.isEmpty())
+        QDir::setCurrent(GameFolder);
+    LaunchChatClient(GameFolder, arguments, ui);
+}
