@@ -7,6 +7,7 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
+#include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
 #include "texture/ScreensTab.h"
 
@@ -164,8 +165,7 @@ void Form1::startRandomizerMode() {
     randomizerMode_ = true;
     lastDataTime_ = clock_();
 
-    // The randomizer run (a random background for each screen, then the chat
-    // client) plugs in here once the randomizer subsystem is part of the build.
+    RunRandomizer(GameFolder(), CommandLine(), ui_);
 
     bool downloading = false;
     if (modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastOnlineUpdate")) !=

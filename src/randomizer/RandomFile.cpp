@@ -1,0 +1,44 @@
+#include "RandomFile.h"
+
+#include "app/Clock.h"
+#include "app/modRegistry.h"
+
+#include <QDirIterator>
+
+#include <random>
+
+namespace {
+
+constexpr int kDraws = 10;
+
+} // namespace
+
+QStringList ListLibraryImages(const QString& Folder, int limit) {
+    QStringList names;
+    QDirIterator it(Folder, {QStringLiteral("*.dds")}, QDir::Files | QDir::NoDotAndDotDot);
+    while (names.size() < limit && it.hasNext()) {
+        it.next();
+        names << it.fileName();
+    }
+    return names;
+}
+
+UniformRandom ClockSeededRandom() {
+    auto engine = std::make_shared<std::mt19937>(
+        static_cast<std::uint32_t>(SecondsSinceMidnight() * 1000.0));
+    return [engine] { return std::uniform_real_distribution<double>(0.0, 1.0)(*engine); };
+}
+
+QString RandomFile(const QString& Folder, const QString& Key, const UniformRandom& random) {
+    const QStringList names = ListLibraryImages(Folder);
+    const QString last = modRegistry::QueryValue(kSettingsKey, Key);
+    QString pick;
+    for (int draw = 0; draw < kDraws; ++draw) {
+        const auto index = static_cast<qsizetype>(random() * double(names.size()));
+        pick = index < names.size() ? names[index] : QString();
+        if (pick != last)
+            break;
+    }
+    modRegistry::SetValue(kSettingsKey, Key, pick);
+    return pick;
+}

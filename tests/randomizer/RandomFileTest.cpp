@@ -1,0 +1,94 @@
+#include "randomizer/RandomFile.h"
+#include "app/modRegistry.h"
+
+#include "common/TestEnvironment.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <deque>
+
+namespace {
+
+class RandomFileTest : public TestEnvironment {
+protected:
+    QString library(const QStringList& names) {
+        const QString folder = root() + QStringLiteral("/lib/");
+        QDir().mkpath(folder);
+        for (const QString& name : names) {
+            QFile file(folder + name);
+            if (file.open(QIODevice::WriteOnly))
+                file.write("DDS ");
+        }
+        return folder;
+    }
+    // Plays back the given draws, then keeps returning the last one.
+    static UniformRandom draws(std::deque<double> values) {
+        auto queue = std::make_shared<std::deque<double>>(std::move(values));
+        return [queue] {
+            const double v = queue->front();
+            if (queue->size() > 1)
+                queue->pop_front();
+            return v;
+        };
+    }
+    static QString lastPick() { return modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")); }
+};
+
+TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
+    const QString folder = library({"a.dds", "B.DDS", "c.jpg", "d.dds.txt", ".hidden.dds"});
+    QDir().mkpath(folder + QStringLiteral("folder.dds"));
+    QStringList names = ListLibraryImages(folder);
+    names.sort();
+    EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));
+}
+
+TEST_F(RandomFileTest, ASingleImageIsPickedEveryTime) {
+    const QString folder = library({"only.dds"});
+    for (int run = 0; run < 3; ++run)
+        EXPECT_EQ(RandomFile(folder, QStringLiteral("RandomHL")), QStringLiteral("only.dds"));
+    EXPECT_EQ(lastPick(), QStringLiteral("only.dds"));
+}
+
+TEST_F(RandomFileTest, TwoImagesAlternate) {
+    const QString folder = library({"one.dds", "two.dds"});
+    const QString first = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.0}));
+    // Draws that keep hitting the previous pick are drawn again.
+    const double firstIndex = ListLibraryImages(folder).indexOf(first);
+    const double same = firstIndex / 2.0, other = (1.0 - firstIndex) / 2.0;
+    const QString second = RandomFile(folder, QStringLiteral("RandomHL"), draws({same, same, other}));
+    EXPECT_NE(second, first);
+    const QString third = RandomFile(folder, QStringLiteral("RandomHL"), draws({other, other, same}));
+    EXPECT_EQ(third, first);
+    EXPECT_EQ(lastPick(), third);
+}
+
+TEST_F(RandomFileTest, TheTenthDrawIsKeptEvenWhenItRepeats) {
+    const QString folder = library({"one.dds", "two.dds"});
+    const QString first = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.0}));
+    int calls = 0;
+    const QString again = RandomFile(folder, QStringLiteral("RandomHL"), [&] {
+        ++calls;
+        return ListLibraryImages(folder).indexOf(first) / 2.0;
+    });
+    EXPECT_EQ(again, first);
+    EXPECT_EQ(calls, 10);
+}
+
+TEST_F(RandomFileTest, EmptyLibraryForgetsTheLastPick) {
+    modRegistry::SetValue(kSettingsKey, QStringLiteral("RandomHL"), QStringLiteral("gone.dds"));
+    EXPECT_EQ(RandomFile(library({"x.png"}), QStringLiteral("RandomHL")), QString());
+    EXPECT_EQ(lastPick(), QString());
+}
+
+TEST_F(RandomFileTest, HugeLibraryIsListedOnlyUpToTheLimit) {
+    QStringList names;
+    for (int i = 0; i < 35000; ++i)
+        names << QStringLiteral("img %1.dds").arg(i);
+    const QString folder = library(names);
+    EXPECT_EQ(ListLibraryImages(folder).size(), kLibraryListLimit);
+    const QString pick = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.999999}));
+    EXPECT_TRUE(QFile::exists(folder + pick));
+}
+
+} // namespace
