@@ -7,6 +7,7 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
+#include "randomizer/RandomizerTab.h"
 #include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
 #include "texture/ScreensTab.h"
@@ -55,7 +56,8 @@ void Form1::buildWindow() {
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
     screensTab_ = new ScreensTab(*this, images_, SSTab1_);
     SSTab1_->addTab(screensTab_, QStringLiteral("Screens"));
-    addPlaceholderTab(QStringLiteral("Randomizer"));
+    randomizerTab_ = new RandomizerTab(*this, *screensTab_, SSTab1_);
+    SSTab1_->addTab(randomizerTab_, QStringLiteral("Randomizer"));
     addPlaceholderTab(QStringLiteral("Music"));
     addPlaceholderTab(QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
@@ -204,7 +206,7 @@ void Form1::rndTimeout_Timer() {
 void Form1::UpdateButtons() {
     // Each tab that owns save buttons applies its own rule, in this order.
     screensTab_->UpdateButtons(GameFolder());
-    // Randomizer rule: once the Randomizer tab is part of the build.
+    randomizerTab_->UpdateButtons(GameFolder());
     // Music rule: once the Music tab is part of the build.
 }
 

@@ -9,6 +9,7 @@
 
 class CreditsTab;
 class QProgressBar;
+class RandomizerTab;
 class QPushButton;
 class QTabWidget;
 class QTimer;
@@ -90,6 +91,7 @@ private:
     QTimer* rndTimeout_ = nullptr;
     SettingsTab* settingsTab_ = nullptr;
     ScreensTab* screensTab_ = nullptr;
+    RandomizerTab* randomizerTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
 
     bool loaded_ = false;

@@ -1,4 +1,5 @@
 #include "ScreensTab.h"
+#include "TabTextureWrite.h"
 
 #include "PreviewBox.h"
 #include "ScreenTargets.h"
@@ -80,7 +81,7 @@ void ScreensTab::scrBrowse_Click() {
     form_.UpdateButtons();
 }
 
-bool ScreensTab::LoadScreenImage(const QString& FileName) {
+bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
     auto makePreviews = [this](const cDIBSection& image) {
         images_.previewWidth =
             PreviewWidth(form_.Settings().ScreenWidthText(), form_.Settings().ScreenHeightText());
@@ -93,10 +94,23 @@ bool ScreensTab::LoadScreenImage(const QString& FileName) {
         paintPreview();
     };
     if (!LoadImage(FileName, *images_.screenImage, kScreenWidth, kScreenHeight, form_, form_.Ui(),
-                   makePreviews))
+                   DoPreviews ? PreviewMaker(makePreviews) : PreviewMaker()))
         return false;
-    UpdatePreviews();
+    if (DoPreviews)
+        UpdatePreviews();
     return true;
+}
+
+bool ScreensTab::FramesOn() const {
+    return scrFrames_->isChecked();
+}
+
+QString ScreensTab::FrameFile(const ScreenTarget& target) const {
+    return &target == &kLoginScreen ? FrameHL_->text() : FrameHC_->text();
+}
+
+void ScreensTab::SetImageFile(const QString& FileName) {
+    scrImage_->setText(FileName);
 }
 
 void ScreensTab::paintPreview() {
@@ -144,20 +158,12 @@ void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarg
     else
         images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
-    TextureContext context;
-    context.workFolder = WorkFolder();
-    context.gameFolder = form_.GameFolder();
-    context.compress = form_.Settings().CompressTextures();
     const QString file = QString::fromLatin1(target.file);
     const bool written = WriteTexture(
         form_.GameFolder() + QString::fromLatin1(target.folder), file, file, *images_.outputImage,
         kScreenTextureSize, kScreenTextureSize, true, kScreenWidth, kScreenHeight,
-        QString::fromLatin1(target.texPath), false, nullptr, true, context, form_, form_.Ui());
-    // A write that could not open its file returns still busy.
-    if (form_.IsBusy())
-        form_.SetBusy(false, false, 0, QString());
-    if (!written)
-        form_.Ui().Message(QStringLiteral("Error writing image. Please check file permissions."),
-                           MsgIcon::Exclamation);
+        QString::fromLatin1(target.texPath), false, nullptr, true, TextureContextFor(form_), form_,
+        form_.Ui());
+    FinishTextureWrite(form_, written);
     button->setEnabled(true);
 }

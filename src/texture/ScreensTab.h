@@ -23,9 +23,17 @@ public:
     // enabled when a game folder and a picture are chosen.
     void UpdateButtons(const QString& gameFolder);
 
-    // Loads the picture into the screen image at 1024 x 768 and makes the
-    // previews; false (after the message) when it could not be read.
-    bool LoadScreenImage(const QString& FileName);
+    // Loads the picture into the screen image at 1024 x 768 and, with
+    // DoPreviews, makes the previews; false (after the message) when it could
+    // not be read.
+    bool LoadScreenImage(const QString& FileName, bool DoPreviews = true);
+
+    // What the Randomizer tab shares with this tab: whether frames are laid
+    // over written screens, the frame file for a screen, and the picture file
+    // shown as chosen.
+    bool FramesOn() const;
+    QString FrameFile(const ScreenTarget& target) const;
+    void SetImageFile(const QString& FileName);
 
     // Rebuilds the login and character previews (framed when frames are
     // shown in the preview) and repaints.
