@@ -4,10 +4,10 @@
 
 #include <QStringList>
 #include <QWidget>
-
 #include <functional>
 
 class CreditsTab;
+class OnlineDownloads;
 class QProgressBar;
 class QPushButton;
 class QTabWidget;
@@ -37,6 +37,9 @@ public:
     QString CommandLine() const;
 
     UiServices& Ui() { return ui_; }
+    // The five online slots' downloads, shared by the Online tab and the
+    // randomizer's daily refresh.
+    OnlineDownloads& Downloads() { return *downloads_; }
     SettingsTab& Settings() { return *settingsTab_; }
     QString GameFolder() const;
 
@@ -77,6 +80,8 @@ private:
     void startRandomizerMode();
     bool startDailyDownloads();
     void endAllDownloads();
+    void noteDownloadData();
+    void downloadsFinished();
 
     UiServices& ui_;
     QStringList arguments_;
@@ -88,6 +93,7 @@ private:
     QTimer* rndTimeout_ = nullptr;
     SettingsTab* settingsTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
+    OnlineDownloads* downloads_ = nullptr;
 
     bool loaded_ = false;
     bool unloaded_ = false;
