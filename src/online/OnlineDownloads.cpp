@@ -253,6 +253,7 @@ void OnlineDownloads::EndDownload(int Slot) {
         return;
     modSockets::CloseSocket(s.Socket);
     s.File.reset(); // bytes still in Received are not written
+    s.CloseWaiting = false;
     s.Active = false;
     Q_EMIT SlotActiveChanged(Slot, false);
 }

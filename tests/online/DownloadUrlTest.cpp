@@ -36,12 +36,6 @@ INSTANTIATE_TEST_SUITE_P(Urls, SplitTest,
                                            SplitCase{"host/a.png", nullptr, nullptr},
                                            SplitCase{" http://host/a.png", nullptr, nullptr}));
 
-TEST(DownloadRequest, IsTheThreeLinesAndAnEmptyLine) {
-    EXPECT_EQ(
-        DownloadRequest({QStringLiteral("Example.COM"), QStringLiteral("/a b.png")}),
-        QByteArray("GET /a b.png HTTP/1.1\r\nHost: Example.COM\r\nConnection: close\r\n\r\n"));
-}
-
 TEST(ContentType, AcceptsTheThreePictureTypesExactly) {
     EXPECT_EQ(ContentTypeOfLine(" CONTENT-TYPE: x"), std::nullopt);
     EXPECT_EQ(ContentTypeOfLine("Content-Type:\timage/png \t "), QByteArray("\timage/png \t"));

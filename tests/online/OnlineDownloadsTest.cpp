@@ -186,19 +186,23 @@ struct UrlCase {
 
 class StartTest : public DownloadsFixture, public ::testing::WithParamInterface<UrlCase> {};
 
-TEST_P(StartTest, StartsOnlyPlainHttpAddressesWithAPath) {
+// Which addresses start is DownloadUrlTest's matter; here: the marks, the
+// controls' state and a started slot that has nothing to connect to.
+TEST_P(StartTest, StartsOnlyWithATextureAndAPlainHttpAddress) {
     const UrlCase& c = GetParam();
     QList<bool> activeChanges;
     QObject::connect(downloads.get(), &OnlineDownloads::SlotActiveChanged, downloads.get(),
                      [&](int, bool active) { activeChanges << active; });
-    QString address = QString::fromLatin1(c.url);
-    if (address.contains(u'%'))
-        address = address.arg(server.port());
+    const QString address =
+        QString::fromLatin1(c.url).replace(QStringLiteral("PORT"), QString::number(server.port()));
     EXPECT_EQ(downloads->StartDownload(2, QString::fromLatin1(c.file), address), c.result);
     EXPECT_EQ(red.contains(2), c.result == Start::Refused);
+    WaitUntil([] { return false; }, 200); // time for a connection that must not come
+    EXPECT_EQ(server.connectionCount(), 0);
     EXPECT_EQ(downloads->Slot(2).Active, c.result == Start::Started);
-    downloads->EndDownload(2);
-    EXPECT_FALSE(downloads->Slot(2).Active);
+    EXPECT_EQ(downloads->Slot(2).Socket, nullptr);
+    downloads->EndDownload(2); // the only way out for a slot with no socket
+    EXPECT_FALSE(downloads->AnyActive());
     EXPECT_EQ(activeChanges,
               c.result == Start::Started ? QList<bool>({true, false}) : QList<bool>());
 }
@@ -208,12 +212,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(UrlCase{"NoTexture", "", "http://127.0.0.1/a.png", Start::Skipped},
                       UrlCase{"NoAddress", "Tex", "", Start::Skipped},
                       UrlCase{"Secure", "Tex", "https://127.0.0.1/a.png", Start::Refused},
-                      UrlCase{"OtherScheme", "Tex", "ftp://127.0.0.1/a.png", Start::Refused},
-                      UrlCase{"NoScheme", "Tex", "127.0.0.1/a.png", Start::Refused},
                       UrlCase{"NoPath", "Tex", "http://127.0.0.1", Start::Refused},
-                      UrlCase{"CapitalScheme", "Tex", "HTTP://127.0.0.1/", Start::Started},
                       // The port stays part of the host, which then never resolves.
-                      UrlCase{"PortInHost", "Tex", "http://127.0.0.1:%1/a.png", Start::Started},
+                      UrlCase{"PortInHost", "Tex", "http://127.0.0.1:PORT/a.png", Start::Started},
                       UrlCase{"UnresolvableName", "Tex", "http://no such host/a", Start::Started}),
     [](const auto& info) { return std::string(info.param.name); });
 
@@ -223,18 +224,6 @@ TEST_F(DownloadsFixture, SendsTheRequestOnceAsTyped) {
     EXPECT_EQ(server.request(), QByteArray("GET /a b/Pic.PNG?x=1&y=%20 HTTP/1.1\r\n"
                                            "Host: 127.0.0.1\r\n"
                                            "Connection: close\r\n\r\n"));
-}
-
-TEST_F(DownloadsFixture, HostWithAPortWaitsWithNoSocketUntilEnded) {
-    const QString address = QStringLiteral("http://127.0.0.1:%1/a.png").arg(server.port());
-    ASSERT_EQ(downloads->StartDownload(0, QStringLiteral("Tex"), address), Start::Started);
-    WaitUntil([] { return false; }, 200); // give a connection the chance to appear
-    EXPECT_EQ(server.connectionCount(), 0);
-    EXPECT_TRUE(downloads->Slot(0).Active);
-    EXPECT_EQ(downloads->Slot(0).Socket, nullptr);
-    downloads->EndDownload(0);
-    EXPECT_FALSE(downloads->AnyActive());
-    EXPECT_EQ(finished, 0);
 }
 
 TEST_F(DownloadsFixture, AppliesOnlyOnceTheLastSlotHasFinished) {
