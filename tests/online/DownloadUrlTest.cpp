@@ -11,6 +11,9 @@ struct SplitCase {
     const char* host; // nullptr when refused
     const char* path;
 };
+void PrintTo(const SplitCase& c, std::ostream* os) {
+    *os << c.url;
+}
 
 class SplitTest : public ::testing::TestWithParam<SplitCase> {};
 

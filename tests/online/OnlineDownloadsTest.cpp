@@ -28,6 +28,9 @@ struct ResponseCase {
     const char* tempName; // the temporary file applied, or nullptr
     QByteArray content;   // what that file held when it was applied
 };
+void PrintTo(const ResponseCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 const QByteArray kPngHeader = "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n";
 
@@ -183,6 +186,9 @@ struct UrlCase {
     const char* url;
     Start result;
 };
+void PrintTo(const UrlCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class StartTest : public DownloadsFixture, public ::testing::WithParamInterface<UrlCase> {};
 

@@ -85,6 +85,9 @@ struct HostileCase {
     int merged;          // values stored
     const char* problem; // part of the message that explains the refusal
 };
+void PrintTo(const HostileCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 const QByteArray kHead = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n";
 
