@@ -42,6 +42,8 @@ QString quoteIfBlank(const QString& argument) {
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
     : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
     setObjectName(QStringLiteral("Form1"));
+    // Downloads are written as textures through LoadImage and WriteTexture,
+    // set as the applier once the image and texture subsystems are built in.
     downloads_ = new OnlineDownloads(ui_, *this, this);
     buildWindow();
 }

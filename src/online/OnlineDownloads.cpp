@@ -292,7 +292,7 @@ void OnlineDownloads::applySlot(int n) {
                                    "game's data folder, so its download was not applied.")
                         .arg(n),
                     MsgIcon::Exclamation);
-    } else if (applier_ &&
+    } else if (!applier_ ||
                !applier_(tempPath, target.Width, target.Height, target.Path, target.File)) {
         ui_.Message(QStringLiteral("Error writing image. Please check file permissions."),
                     MsgIcon::Exclamation);

@@ -44,7 +44,8 @@ class OnlineDownloads : public QObject {
 public:
     // Writes one downloaded picture as the slot's texture: loads TempFilePath
     // at Width x Height and writes it as the texture File in the game's
-    // "data/" + Path folder. False when the texture could not be written.
+    // "data/" + Path folder. False when the texture could not be written;
+    // without an applier no download can be written and each one reports so.
     using TextureApplier = std::function<bool(const QString& TempFilePath, int Width, int Height,
                                               const QString& Path, const QString& File)>;
 
@@ -83,11 +84,6 @@ public:
     bool AnyActive() const;
     const DownloadSlot& Slot(int n) const { return slots_[size_t(n)]; }
 
-    // Whole-response handling of the bytes received for a slot; public for
-    // the socket notifications only.
-    enum class SocketEventKind { Read, Connect, Close };
-    void SocketEvent(QTcpSocket* socket, SocketEventKind event);
-
 Q_SIGNALS:
     // The address of the slot was refused, or its response was not a
     // picture: its address box and label turn red.
@@ -102,6 +98,9 @@ Q_SIGNALS:
     void Finished();
 
 private:
+    // The three notifications of a connection, as the socket layer gives them.
+    enum class SocketEventKind { Read, Connect, Close };
+    void SocketEvent(QTcpSocket* socket, SocketEventKind event);
     void ProcessResponse(int n);
     void closed(int n);
     bool headerLine(int n, const QByteArray& line);
