@@ -10,6 +10,8 @@
 #include "randomizer/RandomizerTab.h"
 #include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
+#include "online/OnlineDownloads.h"
+#include "online/OnlineTextureApplier.h"
 #include "texture/ScreensTab.h"
 
 #include <QAbstractButton>
@@ -18,6 +20,7 @@
 #include <QFile>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabWidget>
@@ -43,7 +46,11 @@ QString quoteIfBlank(const QString& argument) {
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
     : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
     setObjectName(QStringLiteral("Form1"));
+    // Downloads are written as textures through LoadImage and WriteTexture,
+    // set as the applier once the image and texture subsystems are built in.
+    downloads_ = new OnlineDownloads(ui_, *this, this);
     buildWindow();
+    downloads_->SetTextureApplier(MakeOnlineTextureApplier(*this));
 }
 
 Form1::~Form1() = default;
@@ -91,6 +98,8 @@ void Form1::buildWindow() {
     connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
     connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+    connect(downloads_, &OnlineDownloads::DataArrived, this, &Form1::noteDownloadData);
+    connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
 }
 
 void Form1::addPlaceholderTab(const QString& caption) {
@@ -184,13 +193,35 @@ void Form1::startRandomizerMode() {
 }
 
 bool Form1::startDailyDownloads() {
-    // The online slots start their downloads here once the online subsystem
-    // is part of the build; until then no slot is ever active.
-    return false;
+    // Each slot's texture and address are the texts of its boxes on the
+    // Online tab, which Form_Load filled from webName n and webLink n; without
+    // the tab they are read from those values directly.
+    const auto slotText = [this](const ControlSetting& setting) {
+        if (const auto* box = findChild<QLineEdit*>(setting.controlName))
+            return box->text();
+        return modRegistry::QueryValue(kSettingsKey, setting.valueName);
+    };
+    for (int n = 0; n < kOnlineSlots; ++n) {
+        downloads_->StartDownload(n, slotText(OnlineNameSetting(n)),
+                                  slotText(OnlineLinkSetting(n)));
+        QCoreApplication::processEvents();
+    }
+    return downloads_->AnyActive();
 }
 
 void Form1::endAllDownloads() {
-    // Ends every online slot's download once the online subsystem exists.
+    for (int n = 0; n < kOnlineSlots; ++n)
+        downloads_->EndDownload(n);
+}
+
+void Form1::noteDownloadData() {
+    lastDataTime_ = clock_();
+}
+
+void Form1::downloadsFinished() {
+    // The daily refresh is done (its date stored); the randomizer run ends.
+    if (randomizerMode_)
+        Unload();
 }
 
 void Form1::rndTimeout_Timer() {

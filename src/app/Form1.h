@@ -8,6 +8,7 @@
 #include <functional>
 
 class CreditsTab;
+class OnlineDownloads;
 class QProgressBar;
 class RandomizerTab;
 class QPushButton;
@@ -39,6 +40,9 @@ public:
     QString CommandLine() const;
 
     UiServices& Ui() { return ui_; }
+    // The five online slots' downloads, shared by the Online tab and the
+    // randomizer's daily refresh.
+    OnlineDownloads& Downloads() { return *downloads_; }
     SettingsTab& Settings() { return *settingsTab_; }
     SharedImages& Images() { return images_; }
     QString GameFolder() const;
@@ -80,6 +84,8 @@ private:
     void startRandomizerMode();
     bool startDailyDownloads();
     void endAllDownloads();
+    void noteDownloadData();
+    void downloadsFinished();
 
     UiServices& ui_;
     QStringList arguments_;
@@ -93,6 +99,7 @@ private:
     ScreensTab* screensTab_ = nullptr;
     RandomizerTab* randomizerTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
+    OnlineDownloads* downloads_ = nullptr;
 
     bool loaded_ = false;
     bool unloaded_ = false;
