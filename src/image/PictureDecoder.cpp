@@ -57,9 +57,12 @@ bool pngComplete(const QByteArray& data) {
     return data.contains("IEND");
 }
 
-// A GIF ends with its trailer byte ';'.
+// A GIF ends with its trailer byte ';' (some writers pad with zeros after it).
 bool gifComplete(const QByteArray& data) {
-    return data.endsWith(';');
+    qsizetype end = data.size();
+    while (end > 0 && data[end - 1] == '\0')
+        --end;
+    return end > 0 && data[end - 1] == ';';
 }
 
 bool looksComplete(const QByteArray& format, const QByteArray& data) {

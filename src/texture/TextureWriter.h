@@ -30,7 +30,9 @@ struct TextureContext {
 // Width x Height; the container announces texWidth x texHeight. With Alpha,
 // the alpha channel is the blue of cDibAlpha. IsLoginScreen compresses
 // without mipmaps. False when a file could not be written (the caller shows
-// the message), or after the compressor produced nothing (shown here).
+// the message), or after the compressor produced nothing (shown here). The
+// busy state is entered here and left on the way out, except when the TGA
+// or the texture could not be opened: the caller then leaves it.
 bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QString& FileName,
                   const cDIBSection& cDib, long Width, long Height, bool Texture, long texWidth,
                   long texHeight, const QString& texPath, bool Alpha, const cDIBSection* cDibAlpha,
