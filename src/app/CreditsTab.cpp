@@ -49,7 +49,8 @@ CreditsTab::CreditsTab(UiServices& ui, QWidget* parent) : QWidget(parent), ui_(u
 
 void CreditsTab::ShowVersionAndAcknowledgements() {
     crdVersion_->setText(VersionString());
-    crdText_->setText(QString(AcknowledgementsText()).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    crdText_->setText(
+        QString(AcknowledgementsText()).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
 }
 
 void CreditsTab::crdMail_Click() {

@@ -7,11 +7,11 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
-#include "randomizer/RandomizerTab.h"
-#include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
 #include "online/OnlineDownloads.h"
 #include "online/OnlineTextureApplier.h"
+#include "randomizer/RandomizerTab.h"
+#include "randomizer/RunRandomizer.h"
 #include "texture/ScreensTab.h"
 
 #include <QAbstractButton>

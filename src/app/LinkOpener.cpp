@@ -29,9 +29,8 @@ QString execLineOf(const QString& desktopFile) {
 
 QString DesktopHandlerCommand(const QString& Protocol) {
     QProcess query;
-    query.start(QStringLiteral("xdg-mime"),
-                {QStringLiteral("query"), QStringLiteral("default"),
-                 QStringLiteral("x-scheme-handler/") + Protocol});
+    query.start(QStringLiteral("xdg-mime"), {QStringLiteral("query"), QStringLiteral("default"),
+                                             QStringLiteral("x-scheme-handler/") + Protocol});
     if (!query.waitForFinished(5000))
         return {};
     const QString desktopFile = QString::fromUtf8(query.readAllStandardOutput()).trimmed();
@@ -44,7 +43,7 @@ QString DesktopHandlerCommand(const QString& Protocol) {
     exec.replace(QStringLiteral("%u"), QStringLiteral("%1"));
     exec.replace(QStringLiteral("%U"), QStringLiteral("%1"));
     for (const QString& code : {QStringLiteral("%f"), QStringLiteral("%F"), QStringLiteral("%i"),
-                               QStringLiteral("%c"), QStringLiteral("%k")})
+                                QStringLiteral("%c"), QStringLiteral("%k")})
         exec.remove(code);
     return exec.trimmed();
 }

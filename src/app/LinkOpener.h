@@ -3,7 +3,6 @@
 #include "UiServices.h"
 
 #include <QString>
-
 #include <functional>
 
 // Opening a link with the program the desktop has registered for its

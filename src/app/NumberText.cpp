@@ -11,7 +11,8 @@ double LeadingNumber(const QString& Text) {
         if (c.isDigit() && c.unicode() < 128) {
             (exponent ? expDigits : digits) = true;
             number += c;
-        } else if ((c == u'-' || c == u'+') && (number.isEmpty() || (exponent && number.back().toLower() == u'e'))) {
+        } else if ((c == u'-' || c == u'+') &&
+                   (number.isEmpty() || (exponent && number.back().toLower() == u'e'))) {
             number += c;
         } else if (c == u'.' && !point && !exponent) {
             point = true;

@@ -34,8 +34,8 @@ QString ResolveExistingCase(const QString& Path) {
         if (matching && !QFileInfo::exists(next)) {
             matching = false;
             const QDir dir(done.isEmpty() ? QStringLiteral(".") : done);
-            const QStringList entries =
-                dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+            const QStringList entries = dir.entryList(QDir::AllEntries | QDir::Hidden |
+                                                      QDir::System | QDir::NoDotAndDotDot);
             for (const QString& entry : entries) {
                 if (entry.compare(part, Qt::CaseInsensitive) == 0) {
                     next = joined(done, entry);

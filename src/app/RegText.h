@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
-
 #include <optional>
 
 // The text form of registry keys and string values: the REGEDIT4 files that

@@ -54,7 +54,8 @@ SettingsTab::SettingsTab(UiServices& ui, QWidget* parent) : QWidget(parent), ui_
     grid->addWidget(setAuto_, 2, 0, 1, 6);
 
     auto* textures = new QGroupBox(QStringLiteral("Textures"), this);
-    setCompression_ = new QCheckBox(QStringLiteral("Compress textures using NVIDIA's tool"), textures);
+    setCompression_ =
+        new QCheckBox(QStringLiteral("Compress textures using NVIDIA's tool"), textures);
     setCompression_->setObjectName(QStringLiteral("setCompression"));
     auto* texturesLayout = new QVBoxLayout(textures);
     texturesLayout->addWidget(setCompression_);

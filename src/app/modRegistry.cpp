@@ -9,7 +9,6 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
-
 #include <algorithm>
 #include <optional>
 
@@ -122,7 +121,8 @@ QString WindowsPathToLinux(const QString& windowsPath, const QString& prefix) {
     while (rest.endsWith(u'/'))
         rest.chop(1);
     // Wine finds names without regard to letter case; so do we.
-    return ResolveExistingCase(root + (rest.startsWith(u'/') || rest.isEmpty() ? rest : u'/' + rest));
+    return ResolveExistingCase(root +
+                               (rest.startsWith(u'/') || rest.isEmpty() ? rest : u'/' + rest));
 }
 
 long CreateKey(const QString& KeyName) {

@@ -4,7 +4,6 @@
 #include "app/modRegistry.h"
 
 #include <QDirIterator>
-
 #include <random>
 
 namespace {
@@ -24,8 +23,8 @@ QStringList ListLibraryImages(const QString& Folder, int limit) {
 }
 
 UniformRandom ClockSeededRandom() {
-    auto engine = std::make_shared<std::mt19937>(
-        static_cast<std::uint32_t>(SecondsSinceMidnight() * 1000.0));
+    auto engine =
+        std::make_shared<std::mt19937>(static_cast<std::uint32_t>(SecondsSinceMidnight() * 1000.0));
     return [engine] { return std::uniform_real_distribution<double>(0.0, 1.0)(*engine); };
 }
 

@@ -47,7 +47,8 @@ RandomizerTab::RandomizerTab(Form1& form, ScreensTab& screens, QWidget* parent)
     rndFile_->setReadOnly(true);
     rndBrowse_ = new QPushButton(QStringLiteral("Browse..."), rndFrame);
     rndBrowse_->setObjectName(QStringLiteral("rndBrowse"));
-    rndFolder_ = new QCheckBox(QStringLiteral("Add all the images in this folder to the Randomizer"), rndFrame);
+    rndFolder_ = new QCheckBox(
+        QStringLiteral("Add all the images in this folder to the Randomizer"), rndFrame);
     rndFolder_->setObjectName(QStringLiteral("rndFolder"));
     auto* source = new QGridLayout(rndFrame);
     source->addWidget(new QLabel(QStringLiteral("Input file:"), rndFrame), 0, 0);
@@ -158,13 +159,13 @@ void RandomizerTab::addRandomImage(const Half& half, const QString& FileName) {
     QPushButton* button = buttonFor(half);
     button->setEnabled(false);
     SharedImages& images = form_.Images();
-    const auto picture = screens_.FramesOn() ? ApplyFrame(screens_.FrameFile(half.screen), images.screenImage)
-                                             : images.screenImage;
+    const auto picture = screens_.FramesOn()
+                             ? ApplyFrame(screens_.FrameFile(half.screen), images.screenImage)
+                             : images.screenImage;
     const QString library = form_.GameFolder() + QString::fromLatin1(half.library);
-    const bool written =
-        WriteTexture(library, QStringLiteral("coh"), FileName, *picture, kScreenTextureSize,
-                     kScreenTextureSize, false, 0, 0, QString(), false, nullptr, true,
-                     TextureContextFor(form_), form_, form_.Ui());
+    const bool written = WriteTexture(
+        library, QStringLiteral("coh"), FileName, *picture, kScreenTextureSize, kScreenTextureSize,
+        false, 0, 0, QString(), false, nullptr, true, TextureContextFor(form_), form_, form_.Ui());
     FinishTextureWrite(form_, written);
     button->setEnabled(true);
 }

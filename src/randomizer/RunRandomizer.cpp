@@ -9,7 +9,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-
 #include <span>
 
 namespace {
@@ -32,9 +31,10 @@ void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServ
     const QString arguments = PassThroughArguments(CommandLine);
     // Without a game folder there is nowhere Kelvaris may write; the client
     // lookup below then tells the player.
-    for (const RandomScreen& screen : GameFolder.isEmpty() ? std::span<const RandomScreen>()
-                                                           : std::span(kRandomScreens)) {
-        const QString library = ResolveExistingCase(GameFolder + QString::fromLatin1(screen.library));
+    for (const RandomScreen& screen :
+         GameFolder.isEmpty() ? std::span<const RandomScreen>() : std::span(kRandomScreens)) {
+        const QString library =
+            ResolveExistingCase(GameFolder + QString::fromLatin1(screen.library));
         if (!QFileInfo(library).isDir())
             continue; // no library for this screen: the game keeps its background
         const QString target = GameFolder + QString::fromLatin1(screen.target.folder);

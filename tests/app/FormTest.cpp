@@ -1,8 +1,7 @@
-#include "app/Form1.h"
 #include "app/ControlTag.h"
+#include "app/Form1.h"
 #include "app/SettingsTab.h"
 #include "app/modRegistry.h"
-
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 
@@ -44,7 +43,8 @@ TEST_F(FormTest, ShowsTheSevenTabsInOrder) {
     QStringList captions;
     for (int i = 0; i < tabs->count(); ++i)
         captions << tabs->tabText(i);
-    EXPECT_EQ(captions, QStringList({"Screens", "Randomizer", "Music", "Textures", "Online", "Settings", "Credits"}));
+    EXPECT_EQ(captions, QStringList({"Screens", "Randomizer", "Music", "Textures", "Online",
+                                     "Settings", "Credits"}));
     EXPECT_EQ(control<QPushButton>(*form, "Quit")->text(), QStringLiteral("Close"));
 }
 
@@ -79,8 +79,8 @@ TEST_F(FormTest, SettingsRoundTripThroughStartAndClose) {
 }
 
 TEST_F(FormTest, GameFolderFallsBackToTheGamesOwnKeyAndRegKeyToCoh) {
-    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"), QStringLiteral("Installation Directory"),
-                          QStringLiteral("/from/game"));
+    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"),
+                          QStringLiteral("Installation Directory"), QStringLiteral("/from/game"));
     auto form = makeForm();
     form->Form_Load();
     EXPECT_EQ(form->GameFolder(), QStringLiteral("/from/game"));
@@ -88,9 +88,10 @@ TEST_F(FormTest, GameFolderFallsBackToTheGamesOwnKeyAndRegKeyToCoh) {
 }
 
 TEST_F(FormTest, StoredAutodetectionRunsAtStart) {
-    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"), QStringLiteral("Installation Directory"),
-                          QStringLiteral("/detected"));
-    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"), QStringLiteral("screenY"), QStringLiteral("900"));
+    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"),
+                          QStringLiteral("Installation Directory"), QStringLiteral("/detected"));
+    modRegistry::SetValue(QStringLiteral("Software\\Cryptic\\Coh"), QStringLiteral("screenY"),
+                          QStringLiteral("900"));
     store("CohAuto", "1");
     store("CohPath", "/typed");
     auto form = makeForm();
@@ -180,7 +181,8 @@ TEST_F(FormTest, ClosingDeletesTheConvertedMusicAndSavesOnlyInteractively) {
 TEST_F(FormTest, RandomizerModeEndsByItselfWithoutSaving) {
     store("LastOnlineUpdate", "never");
     writeFile(QStringLiteral("cache/kelvaris/converted.ogg"), "OggS");
-    auto form = makeForm({QStringLiteral("-x"), QStringLiteral("-randomizer"), QStringLiteral("1")});
+    auto form =
+        makeForm({QStringLiteral("-x"), QStringLiteral("-randomizer"), QStringLiteral("1")});
     form->Form_Load();
     EXPECT_TRUE(form->RandomizerMode());
     EXPECT_TRUE(form->IsUnloaded());

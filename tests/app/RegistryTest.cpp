@@ -1,5 +1,4 @@
 #include "app/modRegistry.h"
-
 #include "common/TestEnvironment.h"
 
 #include <QDir>
@@ -41,7 +40,8 @@ TEST_F(RegistryTest, BlankDeletesAndOtherTextIsStoredUntrimmed) {
 TEST_F(RegistryTest, NamesIgnoreLetterCaseAndAwkwardTextRoundTrips) {
     const QString awkward = QStringLiteral("C:\\Games\\\"CoH\" ; [x] = é");
     SetValue(kSettingsKey, QStringLiteral("FrameHL"), awkward);
-    EXPECT_EQ(QueryValue(QStringLiteral("software\\cohkelvaris"), QStringLiteral("framehl")), awkward);
+    EXPECT_EQ(QueryValue(QStringLiteral("software\\cohkelvaris"), QStringLiteral("framehl")),
+              awkward);
     SetValue(kSettingsKey, QStringLiteral("FRAMEHL"), QStringLiteral("b"));
     EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("FrameHL")), QStringLiteral("b"));
 }
@@ -67,11 +67,12 @@ TEST_F(RegistryTest, CreateKeyTellsNewFromExisting) {
 }
 
 TEST_F(RegistryTest, StoreThatDoesNotParseIsKeptAsideNotOverwritten) {
-    const QByteArray garbage[] = {QByteArray("this is not a registry file\n"),
-                                  QByteArray("REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\n"
-                                             "\"CohPath\"=\"unterminated\n"),
-                                  QByteArray("REGEDIT4\n\"orphan\"=\"value\"\n"),
-                                  QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
+    const QByteArray garbage[] = {
+        QByteArray("this is not a registry file\n"),
+        QByteArray("REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\n"
+                   "\"CohPath\"=\"unterminated\n"),
+        QByteArray("REGEDIT4\n\"orphan\"=\"value\"\n"),
+        QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
     int expectedAside = 0;
     for (const QByteArray& bytes : garbage) {
         writeFile(QStringLiteral("config/kelvaris/registry.reg"), bytes);
@@ -103,21 +104,20 @@ TEST_F(RegistryTest, StoreThatCannotBeReadIsNeverReplaced) {
 
 // A hive as Wine writes it: header, escaped key names with timestamps,
 // #time lines, dword values.
-const char kUserReg[] =
-    "WINE REGISTRY Version 2\n"
-    ";; All keys relative to \\\\User\\\\S-1-5-21-0-0-0-1000\n"
-    "\n"
-    "#arch=win32\n"
-    "\n"
-    "[Software\\\\Cryptic\\\\Coh] 1700000000\n"
-    "#time=1da1b2c3d4e5f60\n"
-    "\"Installation Directory\"=\"C:\\\\Games\\\\City of Heroes\"\n"
-    "\"screenX\"=dword:00000780\n"
-    "\"Resolution\"=hex:01,02,03\n"
-    "\n"
-    "[Software\\\\Cryptic\\\\CohBeta] 1700000001\n"
-    "\"Installation Directory\"=\"D:\\\\Beta\"\n"
-    "\"screenY\"=dword:00000300\n";
+const char kUserReg[] = "WINE REGISTRY Version 2\n"
+                        ";; All keys relative to \\\\User\\\\S-1-5-21-0-0-0-1000\n"
+                        "\n"
+                        "#arch=win32\n"
+                        "\n"
+                        "[Software\\\\Cryptic\\\\Coh] 1700000000\n"
+                        "#time=1da1b2c3d4e5f60\n"
+                        "\"Installation Directory\"=\"C:\\\\Games\\\\City of Heroes\"\n"
+                        "\"screenX\"=dword:00000780\n"
+                        "\"Resolution\"=hex:01,02,03\n"
+                        "\n"
+                        "[Software\\\\Cryptic\\\\CohBeta] 1700000001\n"
+                        "\"Installation Directory\"=\"D:\\\\Beta\"\n"
+                        "\"screenY\"=dword:00000300\n";
 
 TEST_F(RegistryTest, GameKeysComeFromTheWinePrefixWithLinuxPaths) {
     writeFile(QStringLiteral("wine/user.reg"), kUserReg);
@@ -125,7 +125,8 @@ TEST_F(RegistryTest, GameKeysComeFromTheWinePrefixWithLinuxPaths) {
     QDir().mkpath(winePrefix() + QStringLiteral("/dosdevices"));
     QDir().mkpath(root() + QStringLiteral("/elsewhere/Beta"));
     QFile::link(QStringLiteral("../drive_c"), winePrefix() + QStringLiteral("/dosdevices/c:"));
-    QFile::link(root() + QStringLiteral("/elsewhere"), winePrefix() + QStringLiteral("/dosdevices/d:"));
+    QFile::link(root() + QStringLiteral("/elsewhere"),
+                winePrefix() + QStringLiteral("/dosdevices/d:"));
 
     const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
     // Letter case of the folders on disk wins, as Wine finds them regardless.

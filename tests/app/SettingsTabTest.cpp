@@ -1,6 +1,6 @@
 #include "app/SettingsTab.h"
-#include "app/modRegistry.h"
 
+#include "app/modRegistry.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 
@@ -25,8 +25,10 @@ protected:
                               QString::fromLatin1(data));
     }
     bool manualControlsEnabled() {
-        return control<QLineEdit>("setCohPath")->isEnabled() && control<QPushButton>("setBrowse")->isEnabled() &&
-               control<QLineEdit>("setWidth")->isEnabled() && control<QLineEdit>("setHeight")->isEnabled();
+        return control<QLineEdit>("setCohPath")->isEnabled() &&
+               control<QPushButton>("setBrowse")->isEnabled() &&
+               control<QLineEdit>("setWidth")->isEnabled() &&
+               control<QLineEdit>("setHeight")->isEnabled();
     }
 
     FakeUi ui;
@@ -78,7 +80,8 @@ TEST_F(SettingsTabTest, BrowseTakesTheExecutablesFolderAndIgnoresACancel) {
     ASSERT_EQ(ui.openRequests.size(), 1);
     EXPECT_EQ(ui.openRequests[0].startFolder, QStringLiteral("/old"));
     EXPECT_EQ(ui.openRequests[0].proposedName, QStringLiteral("cityofheroes.exe"));
-    EXPECT_EQ(ui.openRequests[0].filter, QStringLiteral("City of Heroes|cityofheroes.exe;cityofvillains.exe"));
+    EXPECT_EQ(ui.openRequests[0].filter,
+              QStringLiteral("City of Heroes|cityofheroes.exe;cityofvillains.exe"));
     EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
 
     tab->setBrowse_Click(); // cancelled

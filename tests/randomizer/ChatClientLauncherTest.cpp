@@ -36,7 +36,8 @@ TEST_F(ChatClientTest, StartsTheClientThroughWineInTheGameFolder) {
     ASSERT_EQ(ui.starts.size(), 1);
     const ProgramStart& start = ui.starts[0];
     EXPECT_EQ(start.program, root() + QStringLiteral("/bin/wine"));
-    EXPECT_EQ(start.arguments, QStringList({game + QStringLiteral("/ParagonChat.exe"), "-x", "1", "two words"}));
+    EXPECT_EQ(start.arguments,
+              QStringList({game + QStringLiteral("/ParagonChat.exe"), "-x", "1", "two words"}));
     EXPECT_EQ(start.workingFolder, game);
     EXPECT_EQ(start.environment.value(QStringLiteral("WINEPREFIX")), winePrefix());
     EXPECT_TRUE(ui.messages.isEmpty());
@@ -47,7 +48,8 @@ TEST_F(ChatClientTest, MissingClientIsToldWithTheFolder) {
     QDir().mkpath(game);
     EXPECT_FALSE(LaunchChatClient(game, QStringLiteral(" "), ui));
     ASSERT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(ui.messages[0].text, QStringLiteral("Unable to locate Paragon Chat in this folder.\r\n") + game);
+    EXPECT_EQ(ui.messages[0].text,
+              QStringLiteral("Unable to locate Paragon Chat in this folder.\r\n") + game);
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Critical);
     EXPECT_TRUE(ui.starts.isEmpty());
 }

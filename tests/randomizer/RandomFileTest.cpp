@@ -1,11 +1,10 @@
 #include "randomizer/RandomFile.h"
-#include "app/modRegistry.h"
 
+#include "app/modRegistry.h"
 #include "common/TestEnvironment.h"
 
 #include <QDir>
 #include <QFile>
-
 #include <deque>
 
 namespace {
@@ -32,7 +31,9 @@ protected:
             return v;
         };
     }
-    static QString lastPick() { return modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")); }
+    static QString lastPick() {
+        return modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL"));
+    }
 };
 
 TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
@@ -56,9 +57,11 @@ TEST_F(RandomFileTest, TwoImagesAlternate) {
     // Draws that keep hitting the previous pick are drawn again.
     const double firstIndex = ListLibraryImages(folder).indexOf(first);
     const double same = firstIndex / 2.0, other = (1.0 - firstIndex) / 2.0;
-    const QString second = RandomFile(folder, QStringLiteral("RandomHL"), draws({same, same, other}));
+    const QString second =
+        RandomFile(folder, QStringLiteral("RandomHL"), draws({same, same, other}));
     EXPECT_NE(second, first);
-    const QString third = RandomFile(folder, QStringLiteral("RandomHL"), draws({other, other, same}));
+    const QString third =
+        RandomFile(folder, QStringLiteral("RandomHL"), draws({other, other, same}));
     EXPECT_EQ(third, first);
     EXPECT_EQ(lastPick(), third);
 }

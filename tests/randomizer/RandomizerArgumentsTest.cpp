@@ -18,14 +18,16 @@ TEST_P(PassThrough, CutsTheFirstOfEachSwitch) {
 
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, PassThrough,
-    ::testing::Values(ArgumentsCase{"-randomizer -x 1", "  -x 1"}, ArgumentsCase{"-randomizer", " "},
+    ::testing::Values(ArgumentsCase{"-randomizer -x 1", "  -x 1"},
+                      ArgumentsCase{"-randomizer", " "},
                       ArgumentsCase{"-a -randomizer -b", " -a  -b"},
                       ArgumentsCase{"-randomizer -skipupdate -x", "   -x"},
                       ArgumentsCase{"-skipupdate -randomizer", "  "},
                       ArgumentsCase{"-randomizer -randomizer", "  -randomizer"},
                       ArgumentsCase{"-randomizer -skipupdate -skipupdate", "   -skipupdate"},
                       ArgumentsCase{"-Randomizer -x", " -Randomizer -x"},
-                      ArgumentsCase{"-randomizer -project \"City of Heroes\"", "  -project \"City of Heroes\""}),
+                      ArgumentsCase{"-randomizer -project \"City of Heroes\"",
+                                    "  -project \"City of Heroes\""}),
     [](const auto& info) { return std::to_string(info.index); });
 
 } // namespace

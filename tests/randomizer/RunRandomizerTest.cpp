@@ -1,19 +1,20 @@
 #include "randomizer/RunRandomizer.h"
-#include "app/modRegistry.h"
 
+#include "app/modRegistry.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 
 #include <QDir>
 #include <QFile>
-
 #include <cstring>
 
 namespace {
 
 // texPath + name + ".dds" + NUL
 const qsizetype kLoginNameLength =
-    qsizetype(strlen("texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds")) + 1;
+    qsizetype(strlen(
+        "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds")) +
+    1;
 
 class RunRandomizerTest : public TestEnvironment {
 protected:
@@ -37,8 +38,9 @@ protected:
                                      "COH_LogInScreen_Background.texture");
     }
     QString characterTexture() const {
-        return game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/"
-                                     "background.texture");
+        return game +
+               QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/"
+                              "background.texture");
     }
 
     QByteArray savedPath;
@@ -56,14 +58,18 @@ TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
     const QByteArray login = readFile(loginTexture());
     ASSERT_FALSE(login.isEmpty());
     EXPECT_TRUE(login.endsWith("DDS login"));
-    EXPECT_TRUE(login.contains("texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds"));
+    EXPECT_TRUE(login.contains(
+        "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds"));
     EXPECT_EQ(login.size(), 32 + kLoginNameLength + 9);
     EXPECT_TRUE(readFile(characterTexture()).endsWith("DDS char"));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")), QStringLiteral("Sunset.dds"));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHC")), QStringLiteral("city night.dds"));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")),
+              QStringLiteral("Sunset.dds"));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHC")),
+              QStringLiteral("city night.dds"));
 
     ASSERT_EQ(ui.starts.size(), 1);
-    EXPECT_EQ(ui.starts[0].arguments, QStringList({game + QStringLiteral("/paragonchat.exe"), "-x", "1"}));
+    EXPECT_EQ(ui.starts[0].arguments,
+              QStringList({game + QStringLiteral("/paragonchat.exe"), "-x", "1"}));
     EXPECT_EQ(QDir::currentPath(), game);
 }
 
@@ -79,7 +85,9 @@ TEST_F(RunRandomizerTest, EmptyLibraryMakesTheFolderButWritesNothing) {
     QDir().mkpath(game + QStringLiteral("/Kelvaris/RandomHL"));
     writeFile(QStringLiteral("game/Kelvaris/RandomHL/notes.txt"), "x");
     RunRandomizer(game, QStringLiteral("-randomizer"), ui);
-    EXPECT_TRUE(QDir(game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/LoginScreen")).exists());
+    EXPECT_TRUE(
+        QDir(game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/LoginScreen"))
+            .exists());
     EXPECT_FALSE(QFile::exists(loginTexture()));
 }
 
@@ -96,7 +104,8 @@ TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
     const QString before = QDir::currentPath();
     RunRandomizer(QString(), QStringLiteral("-randomizer"), ui);
     ASSERT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(ui.messages[0].text, QStringLiteral("Unable to locate Paragon Chat in this folder.\r\n"));
+    EXPECT_EQ(ui.messages[0].text,
+              QStringLiteral("Unable to locate Paragon Chat in this folder.\r\n"));
     EXPECT_EQ(QDir::currentPath(), before);
 }
 
