@@ -7,6 +7,7 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
+#include "audio/MusicTab.h"
 #include "modRegistry.h"
 
 #include <QAbstractButton>
@@ -53,7 +54,9 @@ void Form1::buildWindow() {
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
     addPlaceholderTab(QStringLiteral("Screens"));
     addPlaceholderTab(QStringLiteral("Randomizer"));
-    addPlaceholderTab(QStringLiteral("Music"));
+    musicTab_ = new MusicTab(
+        ui_, *this, [this] { return GameFolder(); }, SSTab1_);
+    SSTab1_->addTab(musicTab_, QStringLiteral("Music"));
     addPlaceholderTab(QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
@@ -86,6 +89,7 @@ void Form1::buildWindow() {
     connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
     connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+    connect(musicTab_, &MusicTab::ButtonsMayChange, this, &Form1::UpdateButtons);
 }
 
 void Form1::addPlaceholderTab(const QString& caption) {
@@ -203,7 +207,7 @@ void Form1::UpdateButtons() {
     // Each tab that owns save buttons applies its own rule, in this order.
     // Screens rule: once the Screens tab is part of the build.
     // Randomizer rule: once the Randomizer tab is part of the build.
-    // Music rule: once the Music tab is part of the build.
+    musicTab_->UpdateSaveButton();
 }
 
 void Form1::SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) {

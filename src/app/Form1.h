@@ -4,10 +4,10 @@
 
 #include <QStringList>
 #include <QWidget>
-
 #include <functional>
 
 class CreditsTab;
+class MusicTab;
 class QProgressBar;
 class QPushButton;
 class QTabWidget;
@@ -87,6 +87,7 @@ private:
     QPushButton* Quit_ = nullptr;
     QTimer* rndTimeout_ = nullptr;
     SettingsTab* settingsTab_ = nullptr;
+    MusicTab* musicTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
 
     bool loaded_ = false;
