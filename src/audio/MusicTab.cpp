@@ -33,6 +33,9 @@ const QString kNoDecoderMessage = QStringLiteral("No suitable decoder for this f
                                                  "in Windows Media Player's Rip Music tab\n"
                                                  "before ripping music from a CD.");
 
+const QString kNoGameFolderMessage =
+    QStringLiteral("The game folder was not found. Choose it on the Settings tab first.");
+
 constexpr int kBoomBoxColumns = 5;
 
 // A track box: a click ticks or unticks it, and ticks a grayed (done) one
@@ -66,6 +69,8 @@ void MusicTab::buildTab() {
     auto* source = new QGroupBox(QStringLiteral("Source sound file"), this);
     sndFile_ = new QLineEdit(source);
     sndFile_->setObjectName(QStringLiteral("sndFile"));
+    // What is shown is always a file chosen with "Browse..." or its folder.
+    sndFile_->setReadOnly(true);
     sndBrowse_ = new QPushButton(QStringLiteral("Browse..."), source);
     sndBrowse_->setObjectName(QStringLiteral("sndBrowse"));
     sndFolder_ = new QCheckBox(
@@ -196,6 +201,12 @@ bool MusicTab::ConvertSound(const QString& Source) {
 }
 
 void MusicTab::sndSave_Click() {
+    // Music is only ever written inside the game's own folder.
+    const QString game = gameFolder_();
+    if (game.isEmpty() || !QFileInfo(game).isDir()) {
+        ui_.Message(kNoGameFolderMessage, MsgIcon::Exclamation);
+        return;
+    }
     sndSave_->setEnabled(false);
     const QString text = sndFile_->text();
     const QFileInfo shown(text);
@@ -212,7 +223,7 @@ void MusicTab::sndSave_Click() {
         MusicBoxStates states;
         for (const QCheckBox* box : trackBoxes())
             states.insert(box->objectName(), box->checkState());
-        WriteMusicTargets(source, gameFolder_(), states);
+        WriteMusicTargets(source, game, states);
         for (QCheckBox* box : trackBoxes())
             box->setCheckState(states.value(box->objectName()));
     } else if (!busy_.CancelRequested()) {

@@ -31,7 +31,10 @@ bool CopySoundFile(const QString& Source, const QString& Target) {
     return target.commit();
 }
 
-void WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBoxStates& boxes) {
+bool WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBoxStates& boxes) {
+    // Without a game folder the paths would start at the root of the disk.
+    if (GameFolder.isEmpty() || !QFileInfo(GameFolder).isDir())
+        return false;
     QSet<QString> madeFolders;
     for (const MusicTarget& target : MusicTargets()) {
         const bool ticked = boxes.value(target.box, Qt::Unchecked) == Qt::Checked;
@@ -48,4 +51,5 @@ void WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBo
         if (allWritten)
             boxes[target.box] = Qt::PartiallyChecked;
     }
+    return true;
 }

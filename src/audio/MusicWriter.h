@@ -16,5 +16,6 @@ using MusicBoxStates = QMap<QString, Qt::CheckState>;
 
 // Copies Source under every game file of each ticked box, making the folders
 // as the target table says, and grays each box whose files were all written.
-// A box whose copy failed stays ticked; there is no message.
-void WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBoxStates& boxes);
+// A box whose copy failed stays ticked; there is no message. Nothing at all is
+// written, and false returned, when GameFolder is not an existing folder.
+bool WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBoxStates& boxes);

@@ -55,15 +55,6 @@ TEST_F(EncoderTest, EncodesStereoThatAnIndependentReaderAccepts) {
     EXPECT_NEAR(report.seconds, 3.0, 2048.0 / 44100);
 }
 
-TEST_F(EncoderTest, EncodesMonoAtALowRate) {
-    ASSERT_TRUE(encode(out("mono.ogg"), 8000, 1, 4.0));
-    const OggReport report = ReadOgg(out("mono.ogg"));
-    EXPECT_TRUE(report.valid) << report.text.toStdString();
-    EXPECT_EQ(report.rate, 8000);
-    EXPECT_EQ(report.channels, 1);
-    EXPECT_NEAR(report.seconds, 4.0, 2048.0 / 8000);
-}
-
 TEST_F(EncoderTest, HeadersStandOnPagesOfTheirOwn) {
     ASSERT_TRUE(encode(out("pages.ogg"), 44100, 2, 1.0));
     const QList<OggPage> pages = ReadOggPages(out("pages.ogg"));

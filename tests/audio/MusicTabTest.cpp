@@ -157,6 +157,18 @@ TEST_F(MusicTabTest, SavingConvertsOnceAndGraysTheWrittenBoxes) {
     EXPECT_TRUE(sndSave()->isEnabled());
 }
 
+TEST_F(MusicTabTest, HeroesLoginAloneMakesItsFolderAndTheAlwaysMadeOnes) {
+    browse(Sounds().ogg);
+    tick(box("sndHeroLogin"));
+    sndSave()->click();
+    EXPECT_TRUE(QFileInfo::exists(ogg(QStringLiteral("FrontEnd/H_music1_loop.ogg"))));
+    EXPECT_TRUE(QFileInfo::exists(ogg(QStringLiteral("FrontEnd/H_music2_loop.ogg"))));
+    EXPECT_TRUE(QDir(ogg(QStringLiteral("BoomBox"))).isEmpty());
+    EXPECT_TRUE(QDir(ogg(QStringLiteral("Rave"))).isEmpty());
+    EXPECT_FALSE(QFileInfo::exists(ogg(QStringLiteral("V_FrontEnd"))));
+    EXPECT_EQ(box("sndHeroLogin")->checkState(), Qt::PartiallyChecked);
+}
+
 TEST_F(MusicTabTest, AllTwentyFiveTracksAreWritten) {
     browse(Sounds().wav);
     for (int i = 0; i < 25; ++i)
@@ -217,6 +229,8 @@ TEST_F(MusicTabTest, AReadOnlyTargetKeepsItsBoxTicked) {
     EXPECT_EQ(box("sndBlueSide")->checkState(), Qt::Checked);
     EXPECT_TRUE(ui.messages.isEmpty());
     EXPECT_TRUE(sndSave()->isEnabled());
+    // No temporary copy is left beside the refused target.
+    EXPECT_EQ(QDir(ogg(QStringLiteral("Rave"))).entryList(QDir::Files).size(), 2);
 }
 
 TEST_F(MusicTabTest, SixChannelsAreSavedAsStereo) {
@@ -227,6 +241,17 @@ TEST_F(MusicTabTest, SixChannelsAreSavedAsStereo) {
     EXPECT_TRUE(report.valid);
     EXPECT_EQ(report.channels, 2);
     EXPECT_EQ(report.rate, 48000);
+}
+
+TEST_F(MusicTabTest, SavingWithoutAGameFolderWritesNothing) {
+    browse(Sounds().ogg);
+    tick(box("sndHeroLogin"));
+    form->Settings().SetGameFolder(QString());
+    sndSave()->click();
+    EXPECT_EQ(ui.messageTexts(),
+              QStringList({"The game folder was not found. Choose it on the Settings tab first."}));
+    EXPECT_EQ(box("sndHeroLogin")->checkState(), Qt::Checked);
+    EXPECT_FALSE(form->IsBusy());
 }
 
 TEST_F(MusicTabTest, TheSoundFolderSettingIsLoadedAndSaved) {

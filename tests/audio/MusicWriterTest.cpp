@@ -46,31 +46,6 @@ TEST(MusicTablesTest, BoomBoxCaptionsAndTracksAreTheGamesOwn) {
     EXPECT_EQ(MusicTargets().size(), kBoomBoxCount + 5);
 }
 
-TEST_F(MusicWriterTest, AllTwentyFiveTracksGetTheirFileNames) {
-    for (int i = 0; i < kBoomBoxCount; ++i)
-        boxes[BoomBoxName(i)] = Qt::Checked;
-    WriteMusicTargets(source, game, boxes);
-    for (int track = 1; track <= 25; ++track)
-        EXPECT_TRUE(exists(QStringLiteral("BoomBox/Track%1_loop.ogg").arg(track))) << track;
-    for (int i = 0; i < kBoomBoxCount; ++i)
-        EXPECT_EQ(boxes[BoomBoxName(i)], Qt::PartiallyChecked);
-    EXPECT_EQ(readFile(ogg(QStringLiteral("BoomBox/Track9_loop.ogg"))), readFile(source));
-    EXPECT_FALSE(exists(QStringLiteral("FrontEnd")));
-}
-
-TEST_F(MusicWriterTest, HeroesLoginAloneMakesItsFolderAndTheAlwaysMadeOnes) {
-    boxes[QStringLiteral("sndHeroLogin")] = Qt::Checked;
-    WriteMusicTargets(source, game, boxes);
-    EXPECT_TRUE(exists(QStringLiteral("FrontEnd/H_music1_loop.ogg")));
-    EXPECT_TRUE(exists(QStringLiteral("FrontEnd/H_music2_loop.ogg")));
-    EXPECT_TRUE(QFileInfo(ogg(QStringLiteral("BoomBox"))).isDir());
-    EXPECT_TRUE(QFileInfo(ogg(QStringLiteral("Rave"))).isDir());
-    EXPECT_FALSE(exists(QStringLiteral("V_FrontEnd")));
-    EXPECT_TRUE(QDir(ogg(QStringLiteral("BoomBox"))).isEmpty());
-    EXPECT_EQ(boxes[QStringLiteral("sndHeroLogin")], Qt::PartiallyChecked);
-    EXPECT_EQ(boxes[QStringLiteral("sndVillainLogin")], Qt::Unchecked);
-}
-
 TEST_F(MusicWriterTest, GroupsWriteTheirFilesInTheGamesLetterCase) {
     for (const char* box : {"sndVillainLogin", "sndDanceFloor", "sndBlueSide", "sndRedSide"})
         boxes[QString::fromLatin1(box)] = Qt::Checked;
@@ -81,20 +56,6 @@ TEST_F(MusicWriterTest, GroupsWriteTheirFilesInTheGamesLetterCase) {
     EXPECT_EQ(rave, QStringList({"ExtendedRave_loop.ogg", "NewRave1_loop.ogg", "NewRave2_loop.ogg",
                                  "NewRave3_loop.ogg", "NewRave4_loop.ogg", "NewRave5_loop.ogg",
                                  "NewRave6_loop.ogg"}));
-}
-
-TEST_F(MusicWriterTest, AnUnwritableTargetKeepsItsBoxTicked) {
-    // A folder where the file should be: nothing, not even root, can replace it.
-    QDir().mkpath(ogg(QStringLiteral("Rave/NewRave6_loop.ogg")));
-    boxes[QStringLiteral("sndBlueSide")] = Qt::Checked;
-    boxes[QStringLiteral("sndRedSide")] = Qt::Checked;
-    WriteMusicTargets(source, game, boxes);
-    EXPECT_TRUE(exists(QStringLiteral("Rave/NewRave1_loop.ogg")));
-    EXPECT_TRUE(exists(QStringLiteral("Rave/NewRave2_loop.ogg")));
-    EXPECT_EQ(boxes[QStringLiteral("sndBlueSide")], Qt::Checked);
-    EXPECT_EQ(boxes[QStringLiteral("sndRedSide")], Qt::PartiallyChecked);
-    // No temporary copy is left beside the refused target.
-    EXPECT_EQ(QDir(ogg(QStringLiteral("Rave"))).count(), 2u + 5u);
 }
 
 TEST_F(MusicWriterTest, GrayedBoxesAreNotWrittenAgain) {
@@ -111,6 +72,16 @@ TEST_F(MusicWriterTest, ExistingFoldersInAnotherCaseAreReused) {
     EXPECT_TRUE(
         QFileInfo::exists(game + QStringLiteral("/Data/Sound/OGG/boombox/Track1_loop.ogg")));
     EXPECT_FALSE(QFileInfo::exists(game + QStringLiteral("/data")));
+}
+
+TEST_F(MusicWriterTest, NothingIsWrittenWithoutAGameFolder) {
+    boxes[QStringLiteral("sndHeroLogin")] = Qt::Checked;
+    for (const QString& folder : QStringList{QString(), root() + QStringLiteral("/no-game")}) {
+        EXPECT_FALSE(WriteMusicTargets(source, folder, boxes));
+        EXPECT_EQ(boxes[QStringLiteral("sndHeroLogin")], Qt::Checked);
+    }
+    EXPECT_FALSE(QFileInfo::exists(root() + QStringLiteral("/no-game")));
+    EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
 }
 
 TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
