@@ -26,11 +26,15 @@ protected:
 };
 
 struct ConversionCase {
+    const char* label;
     QString SoundSet::*file;
     int rate;
     int channels;
     double seconds;
 };
+void PrintTo(const ConversionCase& c, std::ostream* os) {
+    *os << c.label;
+}
 
 class ConversionFormatTest : public ConversionTest,
                              public ::testing::WithParamInterface<ConversionCase> {};
@@ -48,13 +52,14 @@ TEST_P(ConversionFormatTest, WritesAValidOggOfTheSourcesLength) {
     EXPECT_NEAR(report.seconds, c.seconds, slack);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sounds, ConversionFormatTest,
-                         ::testing::Values(ConversionCase{&SoundSet::wav, 44100, 2, 10},
-                                           ConversionCase{&SoundSet::mp3, 44100, 2, 10},
-                                           ConversionCase{&SoundSet::m4a, 44100, 2, 10},
-                                           ConversionCase{&SoundSet::ogg, 44100, 2, 10},
-                                           ConversionCase{&SoundSet::sixChannels, 48000, 2, 2},
-                                           ConversionCase{&SoundSet::mono8k, 8000, 1, 4}));
+INSTANTIATE_TEST_SUITE_P(
+    Sounds, ConversionFormatTest,
+    ::testing::Values(ConversionCase{"wav", &SoundSet::wav, 44100, 2, 10},
+                      ConversionCase{"mp3", &SoundSet::mp3, 44100, 2, 10},
+                      ConversionCase{"m4a", &SoundSet::m4a, 44100, 2, 10},
+                      ConversionCase{"ogg", &SoundSet::ogg, 44100, 2, 10},
+                      ConversionCase{"sixChannels", &SoundSet::sixChannels, 48000, 2, 2},
+                      ConversionCase{"mono8k", &SoundSet::mono8k, 8000, 1, 4}));
 
 TEST_F(ConversionTest, ReportsProgressEveryFiftyChunks) {
     QList<long> values;

@@ -70,6 +70,9 @@ struct TailCase {
     const char* name;
     int64_t total;
 };
+void PrintTo(const TailCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class PluginTailTest : public PluginTest, public ::testing::WithParamInterface<TailCase> {};
 
@@ -185,12 +188,16 @@ protected:
 };
 
 struct SoundCase {
+    const char* label;
     QString SoundSet::*file;
     int rate;
     int channels;
     double seconds;
     int tailSkip;
 };
+void PrintTo(const SoundCase& c, std::ostream* os) {
+    *os << c.label;
+}
 
 class FfmpegFormatTest : public FfmpegTest, public ::testing::WithParamInterface<SoundCase> {};
 
@@ -210,12 +217,13 @@ TEST_P(FfmpegFormatTest, DecodesToSixteenBitPcmOfTheRightLength) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sounds, FfmpegFormatTest,
-                         ::testing::Values(SoundCase{&SoundSet::wav, 44100, 2, 10, 0},
-                                           SoundCase{&SoundSet::mp3, 44100, 2, 10, 0},
-                                           SoundCase{&SoundSet::m4a, 44100, 2, 10, 9000},
-                                           SoundCase{&SoundSet::ogg, 44100, 2, 10, 0},
-                                           SoundCase{&SoundSet::sixChannels, 48000, 2, 2, 9000},
-                                           SoundCase{&SoundSet::mono8k, 8000, 1, 4, 0}));
+                         ::testing::Values(SoundCase{"wav", &SoundSet::wav, 44100, 2, 10, 0},
+                                           SoundCase{"mp3", &SoundSet::mp3, 44100, 2, 10, 0},
+                                           SoundCase{"m4a", &SoundSet::m4a, 44100, 2, 10, 9000},
+                                           SoundCase{"ogg", &SoundSet::ogg, 44100, 2, 10, 0},
+                                           SoundCase{"sixChannels", &SoundSet::sixChannels, 48000,
+                                                     2, 2, 9000},
+                                           SoundCase{"mono8k", &SoundSet::mono8k, 8000, 1, 4, 0}));
 
 TEST_F(FfmpegTest, ATruncatedFileEndsEarlyWithoutHarm) {
     ASSERT_TRUE(plugin.OpenFile(Sounds().truncatedMp3));

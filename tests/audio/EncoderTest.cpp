@@ -136,6 +136,9 @@ struct StreamParameters {
     int rate;
     int channels;
 };
+void PrintTo(const StreamParameters& p, std::ostream* os) {
+    *os << p.rate << " Hz, " << p.channels << " channels";
+}
 
 class EncoderRefusalTest : public EncoderTest,
                            public ::testing::WithParamInterface<StreamParameters> {};
