@@ -2,7 +2,9 @@
 
 #include <QString>
 #include <optional>
+#include <string>
 #include <type_traits>
+#include <unordered_map>
 
 // A shared library bound at run time: loaded by file name, its exports looked
 // up by name at each call. A library that is missing, or an export it lacks,
@@ -30,7 +32,9 @@ public:
     bool LoadDLL(const QString& FileName);
 
     // The address of an export, or null (and LastError set) when the library
-    // has no such export or none is loaded.
+    // has no such export or none is loaded. Found addresses are remembered
+    // until the library is unloaded: the encoder calls a dozen exports for
+    // every block of sound.
     void* Export(const char* name);
 
     // Calls the named export as a function of type R(Args...). An empty result
@@ -42,6 +46,7 @@ public:
 
 private:
     void* module_ = nullptr;
+    std::unordered_map<std::string, void*> exports_;
     bool cdecl_ = false;
     QString lastError_;
 };
