@@ -64,6 +64,8 @@ clsEncoderOGG::~clsEncoderOGG() {
 }
 
 bool clsEncoderOGG::InitEncoder() {
+    // Binding again while a stream is open would lose its file.
+    CloseStream();
     const bool oggLoaded = ogg_.LoadDLL(names_.ogg);
     const bool vorbisLoaded = oggLoaded && vorbis_.LoadDLL(names_.vorbis);
     librariesBound_ = oggLoaded && vorbisLoaded;
