@@ -113,6 +113,7 @@ void FfmpegDecoder::CloseStream() {
     declaredMs_ = 0;
     deliveredFrames_ = 0;
     decoderDrained_ = false;
+    endSent_ = false;
     resamplerFlushed_ = false;
     resamplerInRate_ = 0;
     resamplerInFormat_ = -1;
@@ -181,15 +182,22 @@ bool FfmpegDecoder::decodeMore() {
             read = av_read_frame(format_, packet_);
         }
         if (read < 0) {
-            avcodec_send_packet(codec_, nullptr);
+            // A decoder that still wants input after the end was signalled
+            // has nothing more to give.
+            if (endSent_)
+                decoderDrained_ = true;
+            else
+                avcodec_send_packet(codec_, nullptr);
+            endSent_ = true;
             continue;
         }
         const int sent = avcodec_send_packet(codec_, packet_);
         av_packet_unref(packet_);
         // A damaged packet is skipped; only a long run of them ends the stream.
-        if (sent < 0 && sent != AVERROR(EAGAIN) && ++badPackets > kMaxBadPacketsInARow)
+        if (sent < 0 && sent != AVERROR(EAGAIN) && ++badPackets > kMaxBadPacketsInARow) {
             avcodec_send_packet(codec_, nullptr);
-        else if (sent >= 0)
+            endSent_ = true;
+        } else if (sent >= 0)
             badPackets = 0;
     }
 }
@@ -257,6 +265,7 @@ void FfmpegDecoder::Seek(int Milliseconds, int) {
     avcodec_flush_buffers(codec_);
     swr_free(&resampler_);
     decoderDrained_ = false;
+    endSent_ = false;
     resamplerFlushed_ = false;
     pending_.clear();
     pendingOffset_ = 0;

@@ -51,6 +51,7 @@ private:
     int64_t declaredMs_ = 0; // 0 when the container does not say
     int64_t deliveredFrames_ = 0;
     bool decoderDrained_ = false;
+    bool endSent_ = false; // the end of input was signalled to the decoder
     bool resamplerFlushed_ = false;
     int resamplerInRate_ = 0;
     int resamplerInFormat_ = -1;

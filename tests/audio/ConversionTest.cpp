@@ -98,6 +98,21 @@ TEST_F(ConversionTest, ATruncatedFileConvertsWhatIsThere) {
     EXPECT_NEAR(report.seconds, 4.0, 0.2);
 }
 
+TEST_F(ConversionTest, ADamagedMiddleIsSkipped) {
+    QByteArray bytes = readFile(Sounds().mp3);
+    uint32_t noise = 12345;
+    for (qsizetype i = bytes.size() / 3; i < bytes.size() / 3 + 20000; ++i) {
+        noise = noise * 1103515245u + 12345u;
+        bytes[i] = char(noise >> 24);
+    }
+    const QString damaged = writeFile(QStringLiteral("damaged.mp3"), bytes);
+    ASSERT_TRUE(ConvertSound(decoder, encoder, busy, damaged, target));
+    const OggReport report = ReadOgg(target);
+    EXPECT_TRUE(report.valid) << report.text.toStdString();
+    EXPECT_GT(report.seconds, 8.0);
+    EXPECT_LE(report.seconds, 10.1);
+}
+
 TEST_F(ConversionTest, AnEmptyStreamCountsAsAFailure) {
     const QString silentWav = writeFile(QStringLiteral("nothing.wav"), ToneWav(0, 44100, 2));
     EXPECT_FALSE(ConvertSound(decoder, encoder, busy, silentWav, target));
