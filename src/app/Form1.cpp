@@ -7,6 +7,7 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
+#include "audio/MusicTab.h"
 #include "modRegistry.h"
 #include "online/OnlineDownloads.h"
 #include "online/OnlineTextureApplier.h"
@@ -65,7 +66,9 @@ void Form1::buildWindow() {
     SSTab1_->addTab(screensTab_, QStringLiteral("Screens"));
     randomizerTab_ = new RandomizerTab(*this, *screensTab_, SSTab1_);
     SSTab1_->addTab(randomizerTab_, QStringLiteral("Randomizer"));
-    addPlaceholderTab(QStringLiteral("Music"));
+    musicTab_ = new MusicTab(
+        ui_, *this, [this] { return GameFolder(); }, SSTab1_);
+    SSTab1_->addTab(musicTab_, QStringLiteral("Music"));
     addPlaceholderTab(QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
@@ -100,6 +103,7 @@ void Form1::buildWindow() {
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
     connect(downloads_, &OnlineDownloads::DataArrived, this, &Form1::noteDownloadData);
     connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
+    connect(musicTab_, &MusicTab::ButtonsMayChange, this, &Form1::UpdateButtons);
 }
 
 void Form1::addPlaceholderTab(const QString& caption) {
@@ -238,7 +242,7 @@ void Form1::UpdateButtons() {
     // Each tab that owns save buttons applies its own rule, in this order.
     screensTab_->UpdateButtons(GameFolder());
     randomizerTab_->UpdateButtons(GameFolder());
-    // Music rule: once the Music tab is part of the build.
+    musicTab_->UpdateSaveButton();
 }
 
 void Form1::SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) {

@@ -9,6 +9,7 @@
 
 class CreditsTab;
 class OnlineDownloads;
+class MusicTab;
 class QProgressBar;
 class RandomizerTab;
 class QPushButton;
@@ -98,6 +99,7 @@ private:
     SettingsTab* settingsTab_ = nullptr;
     ScreensTab* screensTab_ = nullptr;
     RandomizerTab* randomizerTab_ = nullptr;
+    MusicTab* musicTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
     OnlineDownloads* downloads_ = nullptr;
 
