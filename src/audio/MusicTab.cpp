@@ -26,11 +26,11 @@ const QString kSoundFilter =
     QStringLiteral("Sound files (mp1,mp2,mp3,mp4,m4a,aac,ogg,wav,wma)|"
                    "*.mp1;*.mp2;*.mp3;*.mp4;*.m4a;*.aac;*.ogg;*.wav;*.wma");
 
-const QString kNoDecoderMessage = QStringLiteral("No suitable decoder for this file.\n\n"
-                                                 "This error is normally caused by attempting\n"
-                                                 "to load copy-protected WMA files.\n\n"
-                                                 "Make sure the 'Protect music' box is disabled\n"
-                                                 "in Windows Media Player's Rip Music tab\n"
+const QString kNoDecoderMessage = QStringLiteral("No suitable decoder for this file.\r\n\r\n"
+                                                 "This error is normally caused by attempting\r\n"
+                                                 "to load copy-protected WMA files.\r\n\r\n"
+                                                 "Make sure the 'Protect music' box is disabled\r\n"
+                                                 "in Windows Media Player's Rip Music tab\r\n"
                                                  "before ripping music from a CD.");
 
 const QString kNoGameFolderMessage =

@@ -99,7 +99,7 @@ TEST_F(MusicTabTest, BrowseRefusesWhatNothingDecodes) {
         browse(file);
         ASSERT_FALSE(ui.messages.isEmpty());
         EXPECT_TRUE(ui.messages.last().text.startsWith(
-            QStringLiteral("No suitable decoder for this file.\n\nThis error is normally")));
+            QStringLiteral("No suitable decoder for this file.\r\n\r\nThis error is normally")));
         EXPECT_EQ(ui.messages.last().icon, MsgIcon::Exclamation);
         EXPECT_EQ(sndFile()->text(), Sounds().mp3);
         EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastSoundDir")),
