@@ -12,14 +12,6 @@
 
 namespace {
 
-class SilentUi : public UiServices {
-public:
-    MsgAnswer Message(const QString&, MsgIcon, MsgButtons) override { return MsgAnswer::Ok; }
-    QString OpenFile(const FileDialogRequest&) override { return {}; }
-    QString SaveFile(const FileDialogRequest&) override { return {}; }
-    bool StartProgram(const ProgramStart&) override { return false; }
-};
-
 // The common case: a full-HD picture to the login screen's 1024 x 768.
 void BM_Resample(benchmark::State& state) {
     cDIBSection source;

@@ -11,14 +11,6 @@
 
 namespace {
 
-class SilentUi : public UiServices {
-public:
-    MsgAnswer Message(const QString&, MsgIcon, MsgButtons) override { return MsgAnswer::Ok; }
-    QString OpenFile(const FileDialogRequest&) override { return {}; }
-    QString SaveFile(const FileDialogRequest&) override { return {}; }
-    bool StartProgram(const ProgramStart&) override { return false; }
-};
-
 TextureContext benchContext() {
     TextureContext context;
     context.gameFolder = BenchFolder() + QStringLiteral("/game");

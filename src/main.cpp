@@ -1,19 +1,38 @@
+#include "app/DeferredMessages.h"
 #include "app/Form1.h"
 #include "app/RealUiServices.h"
+#include "app/StartUp.h"
+#include "randomizer/RunRandomizer.h"
 
 #include <QApplication>
 
 int main(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const QString commandLine = JoinCommandLine(arguments);
+
+    RealUiServices ui;
+    // The player waits on the randomizer run at every game start: it goes
+    // first, before the window system is set up, and what it has to say is
+    // shown once that is done.
+    DeferredMessages early(ui);
+    const bool randomizer = IsRandomizerCommandLine(commandLine);
+    if (randomizer)
+        RunRandomizer(StartGameFolder(), commandLine, early);
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvaris"));
     // In the randomizer mode the window never shows, so closing it must end
     // the program by itself.
     QApplication::setQuitOnLastWindowClosed(false);
+    early.ShowWaitingMessages();
 
-    RealUiServices ui;
-    Form1 form(ui, QApplication::arguments().mid(1));
+    Form1 form(ui, arguments);
     ui.SetParentWindow(&form);
     QObject::connect(&form, &Form1::Unloaded, &app, &QCoreApplication::quit);
+    if (randomizer)
+        form.SetRandomizerDone();
 
     form.Form_Load();
     if (form.IsUnloaded())

@@ -6,6 +6,7 @@
 #include "FormSettings.h"
 #include "PathUtils.h"
 #include "SettingsTab.h"
+#include "StartUp.h"
 #include "VersionString.h"
 #include "audio/MusicTab.h"
 #include "modRegistry.h"
@@ -36,11 +37,6 @@ constexpr double kQuitGuardSeconds = 0.1;
 // The randomizer run gives up on downloads that send nothing for this long.
 constexpr double kDownloadSilenceSeconds = 30.0;
 
-QString quoteIfBlank(const QString& argument) {
-    if (argument.contains(u' ') || argument.contains(u'\t'))
-        return u'"' + argument + u'"';
-    return argument;
-}
 
 } // namespace
 
@@ -114,10 +110,7 @@ void Form1::addPlaceholderTab(const QString& caption) {
 }
 
 QString Form1::CommandLine() const {
-    QStringList parts;
-    for (const QString& argument : arguments_)
-        parts << quoteIfBlank(argument);
-    return parts.join(u' ');
+    return JoinCommandLine(arguments_);
 }
 
 QString Form1::GameFolder() const {
@@ -129,17 +122,14 @@ void Form1::Form_Load() {
         return;
     loaded_ = true;
 
-    QString folder = modRegistry::QueryValue(kSettingsKey, QStringLiteral("CohPath"));
-    if (folder.isEmpty())
-        folder = modRegistry::QueryValue(QStringLiteral("Software\\Cryptic\\Coh"),
-                                         QStringLiteral("Installation Directory"));
+    const QString folder = StartGameFolder();
     settingsTab_->SetGameFolder(folder);
     for (int n = 0; n < kOnlineSlots; ++n) {
         LoadControlSetting(*this, OnlineNameSetting(n));
         LoadControlSetting(*this, OnlineLinkSetting(n));
     }
 
-    if (CommandLine().contains(QStringLiteral("-randomizer"))) {
+    if (IsRandomizerCommandLine(CommandLine())) {
         startRandomizerMode();
         return;
     }
@@ -180,7 +170,8 @@ void Form1::startRandomizerMode() {
     randomizerMode_ = true;
     lastDataTime_ = clock_();
 
-    RunRandomizer(GameFolder(), CommandLine(), ui_);
+    if (!randomizerDone_)
+        RunRandomizer(GameFolder(), CommandLine(), ui_);
 
     bool downloading = false;
     if (modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastOnlineUpdate")) !=

@@ -33,6 +33,11 @@ public:
     // does the randomizer run. Runs once; a second call does nothing.
     void Form_Load();
 
+    // Start-up has already done the randomizer run before the window was
+    // made (so the game starts sooner); the randomizer mode then goes on with
+    // the daily refresh alone.
+    void SetRandomizerDone() { randomizerDone_ = true; }
+
     // Closes the window as the close box does; refused while busy.
     void Unload();
     bool IsUnloaded() const { return unloaded_; }
@@ -107,6 +112,7 @@ private:
     bool unloaded_ = false;
     bool busy_ = false;
     bool randomizerMode_ = false;
+    bool randomizerDone_ = false;
     bool cancelRequested_ = false;
     double lastBusyChange_ = 0.0;
     double lastDataTime_ = 0.0;

@@ -1,0 +1,46 @@
+#!/bin/sh
+# Wall time from starting "kelvaris -randomizer" to the chat client's start,
+# against a game folder whose library halves hold 1000 images each. The
+# client is a stand-in "wine" that notes the time it was started.
+# Usage: bench/randomizer_start.sh [build dir] [runs]. Run it inside a
+# display (xvfb-run -a sh bench/randomizer_start.sh) as a player would.
+set -eu
+build=${1:-build-release}
+runs=${2:-20}
+kelvaris=$(cd "$build" && pwd)/src/kelvaris
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+game="$work/game"
+mkdir -p "$game/Kelvaris/RandomHL" "$game/Kelvaris/RandomHC" "$work/bin" "$work/config/kelvaris"
+head -c $((128 + 1025 * 4096)) /dev/zero >"$work/entry.dds"
+i=0
+while [ $i -lt 1000 ]; do
+    ln -s "$work/entry.dds" "$game/Kelvaris/RandomHL/image $i.dds"
+    ln -s "$work/entry.dds" "$game/Kelvaris/RandomHC/image $i.dds"
+    i=$((i + 1))
+done
+printf 'MZ' >"$game/paragonchat.exe"
+cat >"$work/bin/wine" <<WINE
+#!/bin/sh
+date +%s%N >"$work/started"
+WINE
+chmod +x "$work/bin/wine"
+printf 'REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"CohPath"="%s"\r\n"LastOnlineUpdate"="%s"\r\n' \
+    "$game" "$(LC_ALL=C date +%x)" >"$work/config/kelvaris/registry.reg"
+
+times=""
+n=0
+while [ $n -lt "$runs" ]; do
+    rm -f "$work/started"
+    start=$(date +%s%N)
+    PATH="$work/bin:$PATH" XDG_CONFIG_HOME="$work/config" XDG_CACHE_HOME="$work/cache" \
+        "$kelvaris" -randomizer -x 1
+    while [ ! -s "$work/started" ]; do sleep 0.01; done
+    times="$times $(( ($(cat "$work/started") - start) / 1000000 ))"
+    n=$((n + 1))
+done
+echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '
+    { t[NR] = $1 }
+    END { printf "randomizer start to client launch over %d runs: median %d ms, best %d ms, worst %d ms\n",
+          NR, t[int((NR + 1) / 2)], t[1], t[NR] }'
