@@ -7,9 +7,11 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
-#include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
+#include "randomizer/RunRandomizer.h"
+#include "texture/CatalogueLoader.h"
 #include "texture/ScreensTab.h"
+#include "texture/TexturesTab.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -40,7 +42,8 @@ QString quoteIfBlank(const QString& argument) {
 } // namespace
 
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
-    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
+    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight),
+      catalogue_(std::make_unique<CatalogueLoader>(ui)) {
     setObjectName(QStringLiteral("Form1"));
     buildWindow();
 }
@@ -57,7 +60,8 @@ void Form1::buildWindow() {
     SSTab1_->addTab(screensTab_, QStringLiteral("Screens"));
     addPlaceholderTab(QStringLiteral("Randomizer"));
     addPlaceholderTab(QStringLiteral("Music"));
-    addPlaceholderTab(QStringLiteral("Textures"));
+    texturesTab_ = new TexturesTab(*this, SSTab1_);
+    SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
@@ -89,6 +93,7 @@ void Form1::buildWindow() {
     connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
     connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+    connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_, &TexturesTab::SSTab1_Click);
 }
 
 void Form1::addPlaceholderTab(const QString& caption) {

@@ -6,7 +6,9 @@
 #include <QStringList>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
+class CatalogueLoader;
 class CreditsTab;
 class QProgressBar;
 class QPushButton;
@@ -14,6 +16,7 @@ class QTabWidget;
 class QTimer;
 class ScreensTab;
 class SettingsTab;
+class TexturesTab;
 class UiServices;
 
 // The one window: the tabs, the progress bar and the Close/Cancel button. It
@@ -40,6 +43,9 @@ public:
     UiServices& Ui() { return ui_; }
     SettingsTab& Settings() { return *settingsTab_; }
     SharedImages& Images() { return images_; }
+    // The texture catalogue's lists and the textures of the category last
+    // loaded, shared by the Textures and Online tabs.
+    CatalogueLoader& Catalogue() { return *catalogue_; }
     QString GameFolder() const;
 
     // The one enabling procedure for the save buttons of the Screens,
@@ -90,6 +96,7 @@ private:
     QTimer* rndTimeout_ = nullptr;
     SettingsTab* settingsTab_ = nullptr;
     ScreensTab* screensTab_ = nullptr;
+    TexturesTab* texturesTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
 
     bool loaded_ = false;
@@ -101,4 +108,5 @@ private:
     double lastDataTime_ = 0.0;
 
     SharedImages images_;
+    std::unique_ptr<CatalogueLoader> catalogue_;
 };

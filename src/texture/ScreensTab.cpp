@@ -1,11 +1,10 @@
 #include "ScreensTab.h"
 
+#include "FormTextureWrite.h"
 #include "PreviewBox.h"
 #include "ScreenTargets.h"
 #include "ScreensTabControls.h"
-#include "TextureWriter.h"
 #include "app/Form1.h"
-#include "app/PathUtils.h"
 #include "app/SettingsTab.h"
 #include "app/UiServices.h"
 #include "image/FrameOverlay.h"
@@ -144,20 +143,12 @@ void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarg
     else
         images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
-    TextureContext context;
-    context.workFolder = WorkFolder();
-    context.gameFolder = form_.GameFolder();
-    context.compress = form_.Settings().CompressTextures();
     const QString file = QString::fromLatin1(target.file);
-    const bool written = WriteTexture(
-        form_.GameFolder() + QString::fromLatin1(target.folder), file, file, *images_.outputImage,
-        kScreenTextureSize, kScreenTextureSize, true, kScreenWidth, kScreenHeight,
-        QString::fromLatin1(target.texPath), false, nullptr, true, context, form_, form_.Ui());
-    // A write that could not open its file returns still busy.
-    if (form_.IsBusy())
-        form_.SetBusy(false, false, 0, QString());
+    const bool written =
+        WriteFormTexture(form_, form_.GameFolder() + QString::fromLatin1(target.folder), file, file,
+                         *images_.outputImage, kScreenTextureSize, kScreenTextureSize, kScreenWidth,
+                         kScreenHeight, QString::fromLatin1(target.texPath), false, nullptr, true);
     if (!written)
-        form_.Ui().Message(QStringLiteral("Error writing image. Please check file permissions."),
-                           MsgIcon::Exclamation);
+        form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
     button->setEnabled(true);
 }
