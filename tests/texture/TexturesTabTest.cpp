@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 
 namespace {
 
@@ -245,12 +246,6 @@ TEST_F(TexturesTabTest, EnteringTheTabListsTheFirstCategoryAndClosesTheOnlineCho
     enterTab();
     EXPECT_EQ(items(category), QStringList({"Other"}));
     EXPECT_EQ(texture->count(), 0);
-}
-
-TEST_F(TexturesTabTest, EnteringWithoutTheOnlineTabIsFine) {
-    writeCatalogue(kCatalogue);
-    enterTab();
-    EXPECT_EQ(category->count(), 3);
 }
 
 struct CategoryCase {
@@ -612,14 +607,21 @@ TEST_F(TexturesTabTest, TheBuildButtonListsTheGamesOwnTextures) {
     EXPECT_EQ(control<QPushButton>("Quit")->text(), QStringLiteral("Close"));
 }
 
-TEST_F(TexturesTabTest, ABuildWithoutArchivesSaysSoAndKeepsTheLists) {
+TEST_F(TexturesTabTest, TheQuitButtonCancelsTheBuildAndTheCatalogueStays) {
     writeCatalogue(kCatalogue);
+    writeFile(QStringLiteral("City of Heroes/piggs/texture_gui.pigg"),
+              MakeTestArchive({{kPowers + QStringLiteral("/Archery_Aim.texture"),
+                                MakeTestTexture(32, 32), true}}));
     enterTab();
+    // Clicked at the first progress report, while the build is under way.
+    QTimer::singleShot(0, control<QPushButton>("Quit"), &QPushButton::click);
     control<QPushButton>("texBuild")->click();
-    EXPECT_EQ(ui.messageTexts(),
-              QStringList{QStringLiteral("No game archives were found in the game folder.")});
-    EXPECT_EQ(ui.messages[0].icon, MsgIcon::None);
+    EXPECT_EQ(ui.messageTexts(), QStringList{QStringLiteral("Building the texture catalogue was "
+                                                            "cancelled; the catalogue was not "
+                                                            "changed.")});
+    EXPECT_EQ(readFile(UserCatalogueFile()), kCatalogue);
     EXPECT_EQ(category->count(), 3);
+    EXPECT_FALSE(form->IsUnloaded());
 }
 
 } // namespace
