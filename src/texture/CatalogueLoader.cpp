@@ -23,7 +23,8 @@ void CatalogueLoader::LoadCatalogue(int k, QComboBox* categoryList, QComboBox* t
     if (selection_.error != toldProblem_) {
         toldProblem_ = selection_.error;
         if (!toldProblem_.isEmpty())
-            ui_.Message(toldProblem_ + QStringLiteral("\nThe button \"") + BuildCatalogueCaption() +
+            ui_.Message(toldProblem_ + QStringLiteral("\n\nThe button \"") +
+                            BuildCatalogueCaption() +
                             QStringLiteral("\" on the Textures tab makes a new catalogue from the "
                                            "game's own archives."),
                         MsgIcon::Exclamation);
