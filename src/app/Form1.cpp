@@ -14,7 +14,9 @@
 #include "online/OnlineTextureApplier.h"
 #include "randomizer/RandomizerTab.h"
 #include "randomizer/RunRandomizer.h"
+#include "texture/CatalogueLoader.h"
 #include "texture/ScreensTab.h"
+#include "texture/TexturesTab.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -41,7 +43,8 @@ constexpr double kDownloadSilenceSeconds = 30.0;
 } // namespace
 
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
-    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
+    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight),
+      catalogue_(std::make_unique<CatalogueLoader>(ui)) {
     setObjectName(QStringLiteral("Form1"));
     // Downloads are written as textures through LoadImage and WriteTexture,
     // set as the applier once the image and texture subsystems are built in.
@@ -65,7 +68,8 @@ void Form1::buildWindow() {
     musicTab_ = new MusicTab(
         ui_, *this, [this] { return GameFolder(); }, SSTab1_);
     SSTab1_->addTab(musicTab_, QStringLiteral("Music"));
-    addPlaceholderTab(QStringLiteral("Textures"));
+    texturesTab_ = new TexturesTab(*this, SSTab1_);
+    SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
@@ -100,6 +104,7 @@ void Form1::buildWindow() {
     connect(downloads_, &OnlineDownloads::DataArrived, this, &Form1::noteDownloadData);
     connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
     connect(musicTab_, &MusicTab::ButtonsMayChange, this, &Form1::UpdateButtons);
+    connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_, &TexturesTab::SSTab1_Click);
 }
 
 void Form1::addPlaceholderTab(const QString& caption) {

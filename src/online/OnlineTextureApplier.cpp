@@ -4,7 +4,7 @@
 #include "image/LoadImage.h"
 #include "image/SharedImages.h"
 #include "texture/Catalogue.h"
-#include "texture/TabTextureWrite.h"
+#include "texture/FormTextureWrite.h"
 
 OnlineDownloads::TextureApplier MakeOnlineTextureApplier(Form1& form) {
     return [&form](const QString& TempFilePath, int Width, int Height, const QString& Path,
@@ -14,13 +14,9 @@ OnlineDownloads::TextureApplier MakeOnlineTextureApplier(Form1& form) {
         // previous picture is not written in its place.
         if (!LoadImage(TempFilePath, image, Width, Height, form, form.Ui()))
             return true;
-        const bool written =
-            WriteTexture(TextureSaveFolder(form.GameFolder(), Path), File, File, image, Width,
-                         Height, true, Width, Height, Path + u'/', false, nullptr, false,
-                         TextureContextFor(form), form, form.Ui());
         // The failure message is the downloads' own, shown once per slot.
-        if (form.IsBusy())
-            form.SetBusy(false, false, 0, QString());
-        return written;
+        return WriteFormTexture(form, TextureSaveFolder(form.GameFolder(), Path), File, File,
+                                image, Width, Height, true, Width, Height, Path + u'/', false,
+                                nullptr, false);
     };
 }

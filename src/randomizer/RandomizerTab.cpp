@@ -9,7 +9,7 @@
 #include "image/ImageOpenDialog.h"
 #include "texture/ScreenTargets.h"
 #include "texture/ScreensTab.h"
-#include "texture/TabTextureWrite.h"
+#include "texture/FormTextureWrite.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -163,9 +163,9 @@ void RandomizerTab::addRandomImage(const Half& half, const QString& FileName) {
                              ? ApplyFrame(screens_.FrameFile(half.screen), images.screenImage)
                              : images.screenImage;
     const QString library = form_.GameFolder() + QString::fromLatin1(half.library);
-    const bool written = WriteTexture(
-        library, QStringLiteral("coh"), FileName, *picture, kScreenTextureSize, kScreenTextureSize,
-        false, 0, 0, QString(), false, nullptr, true, TextureContextFor(form_), form_, form_.Ui());
-    FinishTextureWrite(form_, written);
+    if (!WriteFormTexture(form_, library, QStringLiteral("coh"), FileName, *picture,
+                          kScreenTextureSize, kScreenTextureSize, false, 0, 0, QString(), false,
+                          nullptr, true))
+        form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
     button->setEnabled(true);
 }

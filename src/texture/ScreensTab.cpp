@@ -1,12 +1,10 @@
 #include "ScreensTab.h"
-#include "TabTextureWrite.h"
 
+#include "FormTextureWrite.h"
 #include "PreviewBox.h"
 #include "ScreenTargets.h"
 #include "ScreensTabControls.h"
-#include "TextureWriter.h"
 #include "app/Form1.h"
-#include "app/PathUtils.h"
 #include "app/SettingsTab.h"
 #include "app/UiServices.h"
 #include "image/FrameOverlay.h"
@@ -159,11 +157,11 @@ void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarg
         images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
     const QString file = QString::fromLatin1(target.file);
-    const bool written = WriteTexture(
-        form_.GameFolder() + QString::fromLatin1(target.folder), file, file, *images_.outputImage,
-        kScreenTextureSize, kScreenTextureSize, true, kScreenWidth, kScreenHeight,
-        QString::fromLatin1(target.texPath), false, nullptr, true, TextureContextFor(form_), form_,
-        form_.Ui());
-    FinishTextureWrite(form_, written);
+    const bool written =
+        WriteFormTexture(form_, form_.GameFolder() + QString::fromLatin1(target.folder), file, file,
+                         *images_.outputImage, kScreenTextureSize, kScreenTextureSize, true, kScreenWidth,
+                         kScreenHeight, QString::fromLatin1(target.texPath), false, nullptr, true);
+    if (!written)
+        form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
     button->setEnabled(true);
 }
