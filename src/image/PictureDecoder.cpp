@@ -5,19 +5,17 @@
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QtEndian>
 #include <array>
 
 namespace {
 
 quint32 le32(const QByteArray& data, qsizetype at) {
-    quint32 value = 0;
-    for (int i = 3; i >= 0; --i)
-        value = (value << 8) | quint8(data[at + i]);
-    return value;
+    return qFromLittleEndian<quint32>(data.constData() + at);
 }
 
 quint16 le16(const QByteArray& data, qsizetype at) {
-    return quint16(quint8(data[at]) | (quint8(data[at + 1]) << 8));
+    return qFromLittleEndian<quint16>(data.constData() + at);
 }
 
 // An uncompressed BMP must hold every row its header declares; Qt's reader

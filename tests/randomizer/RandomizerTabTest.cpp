@@ -3,7 +3,7 @@
 #include "app/Form1.h"
 #include "app/SettingsTab.h"
 #include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
+#include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "randomizer/LibraryFolder.h"
 
@@ -19,18 +19,8 @@ namespace {
 // A library entry: a bare 1024 x 1024 DDS continued one row past its header.
 constexpr qint64 kLibraryEntryBytes = 128 + 1025 * 1024 * 4;
 
-class RandomizerTabTest : public TestEnvironment {
+class RandomizerTabTest : public FormFixture {
 protected:
-    void SetUp() override {
-        TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/game");
-        QDir().mkpath(game);
-        form = std::make_unique<Form1>(ui, QStringList{});
-        form->Settings().SetGameFolder(game);
-    }
-    template <typename T> T* control(const char* name) {
-        return form->findChild<T*>(QString::fromLatin1(name));
-    }
     QString picture(const QString& relative, QRgb colour = qRgb(200, 40, 40)) {
         QImage image(64, 48, QImage::Format_RGB32);
         image.fill(colour);
@@ -49,10 +39,6 @@ protected:
     }
     // The first pixel of a library entry, as blue, green, red, alpha.
     QByteArray firstPixel(const QString& path) const { return readFile(path).mid(128, 4); }
-
-    FakeUi ui;
-    QString game;
-    std::unique_ptr<Form1> form;
 };
 
 TEST_F(RandomizerTabTest, ButtonsNeedAGameFolderAndAPicture) {

@@ -2,7 +2,7 @@
 #include "app/PathUtils.h"
 #include "app/SettingsTab.h"
 #include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
+#include "common/FormFixture.h"
 #include "image/SharedImages.h"
 #include "texture/PreviewBox.h"
 #include "texture/ScreensTab.h"
@@ -17,20 +17,8 @@
 namespace {
 
 // The Screens tab's frames and levels, driven through its controls.
-class ScreensFramesLevelsTest : public TestEnvironment {
+class ScreensFramesLevelsTest : public FormFixture {
 protected:
-    void SetUp() override {
-        TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/game");
-        QDir().mkpath(game);
-        form = std::make_unique<Form1>(ui, QStringList{});
-        form->Settings().SetGameFolder(game);
-    }
-
-    template <typename T> T* control(const char* name) {
-        return form->findChild<T*>(QString::fromLatin1(name));
-    }
-
     QString saveImage(const QString& name, const QImage& image) {
         const QString path = root() + u'/' + name;
         image.save(path);
@@ -54,10 +42,6 @@ protected:
                 frame.setPixel(x, y, qRgb(255, 0, 255));
         return saveImage(QStringLiteral("frame%1.png").arg(height), frame);
     }
-
-    FakeUi ui;
-    QString game;
-    std::unique_ptr<Form1> form;
 };
 
 TEST_F(ScreensFramesLevelsTest, BrowseFrameTakesOnly1024x768) {

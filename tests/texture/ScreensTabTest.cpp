@@ -4,7 +4,7 @@
 #include "app/SettingsTab.h"
 #include "app/modRegistry.h"
 #include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
+#include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "image/SharedImages.h"
 #include "texture/PreviewBox.h"
@@ -20,20 +20,14 @@
 
 namespace {
 
-class ScreensTabTest : public TestEnvironment {
+class ScreensTabTest : public FormFixture {
 protected:
+    ScreensTabTest() : FormFixture(QStringLiteral("City of Heroes")) {}
+
     void SetUp() override {
-        TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/City of Heroes");
-        QDir().mkpath(game);
-        form = std::make_unique<Form1>(ui, QStringList{});
+        FormFixture::SetUp();
         tab = form->findChild<ScreensTab*>();
         ASSERT_NE(tab, nullptr);
-        form->Settings().SetGameFolder(game);
-    }
-
-    template <typename T> T* control(const char* name) {
-        return form->findChild<T*>(QString::fromLatin1(name));
     }
 
     // A picture whose top half is red and bottom half blue, chosen through
@@ -61,9 +55,6 @@ protected:
                                      "CharacterCreationUI/background.texture");
     }
 
-    FakeUi ui;
-    QString game;
-    std::unique_ptr<Form1> form;
     ScreensTab* tab = nullptr;
 };
 

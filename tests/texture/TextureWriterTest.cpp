@@ -14,15 +14,13 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QtEndian>
 #include <sys/stat.h>
 
 namespace {
 
 quint32 u32(const QByteArray& bytes, qsizetype at) {
-    quint32 value = 0;
-    for (int i = 3; i >= 0; --i)
-        value = (value << 8) | quint8(bytes[at + i]);
-    return value;
+    return qFromLittleEndian<quint32>(bytes.constData() + at);
 }
 
 const QString kLoginName = QStringLiteral(

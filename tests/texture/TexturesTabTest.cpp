@@ -5,7 +5,7 @@
 #include "catalogue/TestArchive.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
+#include "common/FormFixture.h"
 #include "texture/CatalogueLoader.h"
 #include "texture/CatalogueLocation.h"
 
@@ -21,14 +21,12 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
+#include <QtEndian>
 
 namespace {
 
 quint32 u32(const QByteArray& bytes, qsizetype at) {
-    quint32 value = 0;
-    for (int i = 3; i >= 0; --i)
-        value = (value << 8) | quint8(bytes.at(at + i));
-    return value;
+    return qFromLittleEndian<quint32>(bytes.constData() + at);
 }
 
 const QString kPowers = QStringLiteral("texture_library/GUI/Icons/Powers");
@@ -75,22 +73,16 @@ struct WrittenTexture {
     }
 };
 
-class TexturesTabTest : public TestEnvironment {
+class TexturesTabTest : public FormFixture {
 protected:
+    TexturesTabTest() : FormFixture(QStringLiteral("City of Heroes")) {}
+
     void SetUp() override {
-        TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/City of Heroes");
-        QDir().mkpath(game);
-        form = std::make_unique<Form1>(ui, QStringList{});
+        FormFixture::SetUp();
         tab = form->findChild<TexturesTab*>();
         ASSERT_NE(tab, nullptr);
-        form->Settings().SetGameFolder(game);
         category = control<QComboBox>("texCategory");
         texture = control<QComboBox>("texTexture");
-    }
-
-    template <typename T> T* control(const char* name) {
-        return form->findChild<T*>(QString::fromLatin1(name));
     }
 
     void writeCatalogue(const QByteArray& text) {
@@ -158,9 +150,6 @@ protected:
         return files;
     }
 
-    FakeUi ui;
-    QString game;
-    std::unique_ptr<Form1> form;
     TexturesTab* tab = nullptr;
     QComboBox* category = nullptr;
     QComboBox* texture = nullptr;
