@@ -7,12 +7,14 @@
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "VersionString.h"
-#include "randomizer/RandomizerTab.h"
-#include "randomizer/RunRandomizer.h"
 #include "modRegistry.h"
 #include "online/OnlineDownloads.h"
 #include "online/OnlineTextureApplier.h"
+#include "randomizer/RandomizerTab.h"
+#include "randomizer/RunRandomizer.h"
+#include "texture/CatalogueLoader.h"
 #include "texture/ScreensTab.h"
+#include "texture/TexturesTab.h"
 
 #include <QAbstractButton>
 #include <QCloseEvent>
@@ -44,7 +46,8 @@ QString quoteIfBlank(const QString& argument) {
 } // namespace
 
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
-    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight) {
+    : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight),
+      catalogue_(std::make_unique<CatalogueLoader>(ui)) {
     setObjectName(QStringLiteral("Form1"));
     // Downloads are written as textures through LoadImage and WriteTexture,
     // set as the applier once the image and texture subsystems are built in.
@@ -66,7 +69,8 @@ void Form1::buildWindow() {
     randomizerTab_ = new RandomizerTab(*this, *screensTab_, SSTab1_);
     SSTab1_->addTab(randomizerTab_, QStringLiteral("Randomizer"));
     addPlaceholderTab(QStringLiteral("Music"));
-    addPlaceholderTab(QStringLiteral("Textures"));
+    texturesTab_ = new TexturesTab(*this, SSTab1_);
+    SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
     addPlaceholderTab(QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
@@ -98,6 +102,7 @@ void Form1::buildWindow() {
     connect(Quit_, &QPushButton::clicked, this, &Form1::Quit_Click);
     connect(rndTimeout_, &QTimer::timeout, this, &Form1::rndTimeout_Timer);
     connect(settingsTab_, &SettingsTab::GameFolderChanged, this, &Form1::UpdateButtons);
+    connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_, &TexturesTab::SSTab1_Click);
     connect(downloads_, &OnlineDownloads::DataArrived, this, &Form1::noteDownloadData);
     connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
 }

@@ -6,7 +6,9 @@
 #include <QStringList>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
+class CatalogueLoader;
 class CreditsTab;
 class OnlineDownloads;
 class QProgressBar;
@@ -16,6 +18,7 @@ class QTabWidget;
 class QTimer;
 class ScreensTab;
 class SettingsTab;
+class TexturesTab;
 class UiServices;
 
 // The one window: the tabs, the progress bar and the Close/Cancel button. It
@@ -45,6 +48,9 @@ public:
     OnlineDownloads& Downloads() { return *downloads_; }
     SettingsTab& Settings() { return *settingsTab_; }
     SharedImages& Images() { return images_; }
+    // The texture catalogue's lists and the textures of the category last
+    // loaded, shared by the Textures and Online tabs.
+    CatalogueLoader& Catalogue() { return *catalogue_; }
     QString GameFolder() const;
 
     // The one enabling procedure for the save buttons of the Screens,
@@ -98,6 +104,7 @@ private:
     SettingsTab* settingsTab_ = nullptr;
     ScreensTab* screensTab_ = nullptr;
     RandomizerTab* randomizerTab_ = nullptr;
+    TexturesTab* texturesTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
     OnlineDownloads* downloads_ = nullptr;
 
@@ -110,4 +117,5 @@ private:
     double lastDataTime_ = 0.0;
 
     SharedImages images_;
+    std::unique_ptr<CatalogueLoader> catalogue_;
 };
