@@ -9,6 +9,7 @@
 #include "VersionString.h"
 #include "modRegistry.h"
 #include "online/OnlineDownloads.h"
+#include "online/OnlineTab.h"
 #include "online/OnlineTextureApplier.h"
 #include "randomizer/RandomizerTab.h"
 #include "randomizer/RunRandomizer.h"
@@ -71,7 +72,8 @@ void Form1::buildWindow() {
     addPlaceholderTab(QStringLiteral("Music"));
     texturesTab_ = new TexturesTab(*this, SSTab1_);
     SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
-    addPlaceholderTab(QStringLiteral("Online"));
+    onlineTab_ = new OnlineTab(ui_, *downloads_, *catalogue_, SSTab1_);
+    SSTab1_->addTab(onlineTab_, QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
     creditsTab_ = new CreditsTab(ui_, SSTab1_);

@@ -11,6 +11,7 @@
 class CatalogueLoader;
 class CreditsTab;
 class OnlineDownloads;
+class OnlineTab;
 class QProgressBar;
 class RandomizerTab;
 class QPushButton;
@@ -105,6 +106,7 @@ private:
     ScreensTab* screensTab_ = nullptr;
     RandomizerTab* randomizerTab_ = nullptr;
     TexturesTab* texturesTab_ = nullptr;
+    OnlineTab* onlineTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
     OnlineDownloads* downloads_ = nullptr;
 
