@@ -55,10 +55,12 @@ OnlineTab::OnlineTab(UiServices& ui, OnlineDownloads& downloads, CatalogueLoader
     setObjectName(QStringLiteral("OnlineTab"));
 
     auto* layout = new QVBoxLayout(this);
+    // The slot list and the chooser take turns at the top; the operations
+    // stay at the foot of the tab whichever is shown.
     layout->addWidget(buildSlotList());
     layout->addWidget(buildChooser());
-    layout->addWidget(buildWebOperations());
     layout->addStretch(1);
+    layout->addWidget(buildWebOperations());
 
     connect(&downloads_, &OnlineDownloads::UrlRefused, this, &OnlineTab::markRefused);
     connect(&downloads_, &OnlineDownloads::SlotActiveChanged, this, &OnlineTab::setSlotActive);

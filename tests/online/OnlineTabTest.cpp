@@ -368,4 +368,18 @@ TEST_F(OnlineTabInWindowTest, ACancelledImportKeepsTheTypedAddresses) {
     EXPECT_TRUE(ui.messages.isEmpty());
 }
 
+TEST_F(OnlineTabInWindowTest, EnteringTheTexturesTabClosesTheChooser) {
+    form = std::make_unique<Form1>(ui, QStringList{});
+    form->Form_Load();
+    auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("SSTab1"));
+    tabs->setCurrentIndex(4);
+    control<QPushButton>("webPick", 0)->click();
+    auto* chooser = form->findChild<QGroupBox*>(QStringLiteral("webTexFrame"));
+    auto* slotList = form->findChild<QGroupBox*>(QStringLiteral("webFileFrame"));
+    ASSERT_FALSE(chooser->isHidden());
+    tabs->setCurrentIndex(3);
+    EXPECT_TRUE(chooser->isHidden());
+    EXPECT_FALSE(slotList->isHidden());
+}
+
 } // namespace
