@@ -11,6 +11,7 @@
 #include "audio/MusicTab.h"
 #include "modRegistry.h"
 #include "online/OnlineDownloads.h"
+#include "online/OnlineTab.h"
 #include "online/OnlineTextureApplier.h"
 #include "randomizer/RandomizerTab.h"
 #include "randomizer/RunRandomizer.h"
@@ -70,7 +71,8 @@ void Form1::buildWindow() {
     SSTab1_->addTab(musicTab_, QStringLiteral("Music"));
     texturesTab_ = new TexturesTab(*this, SSTab1_);
     SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
-    addPlaceholderTab(QStringLiteral("Online"));
+    onlineTab_ = new OnlineTab(ui_, *downloads_, *catalogue_, SSTab1_);
+    SSTab1_->addTab(onlineTab_, QStringLiteral("Online"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
     creditsTab_ = new CreditsTab(ui_, SSTab1_);
@@ -105,13 +107,6 @@ void Form1::buildWindow() {
     connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
     connect(musicTab_, &MusicTab::ButtonsMayChange, this, &Form1::UpdateButtons);
     connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_, &TexturesTab::SSTab1_Click);
-}
-
-void Form1::addPlaceholderTab(const QString& caption) {
-    // A tab whose subsystem is not part of this build shows an empty page.
-    auto* page = new QWidget(SSTab1_);
-    page->setObjectName(caption + QStringLiteral("Tab"));
-    SSTab1_->addTab(page, caption);
 }
 
 QString Form1::CommandLine() const {

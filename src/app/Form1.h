@@ -12,6 +12,7 @@ class CatalogueLoader;
 class CreditsTab;
 class OnlineDownloads;
 class MusicTab;
+class OnlineTab;
 class QProgressBar;
 class RandomizerTab;
 class QPushButton;
@@ -90,7 +91,6 @@ protected:
 
 private:
     void buildWindow();
-    void addPlaceholderTab(const QString& caption);
     void loadInteractiveSettings();
     void saveSettings();
     void startRandomizerMode();
@@ -112,6 +112,7 @@ private:
     RandomizerTab* randomizerTab_ = nullptr;
     MusicTab* musicTab_ = nullptr;
     TexturesTab* texturesTab_ = nullptr;
+    OnlineTab* onlineTab_ = nullptr;
     CreditsTab* creditsTab_ = nullptr;
     OnlineDownloads* downloads_ = nullptr;
 
