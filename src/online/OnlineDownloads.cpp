@@ -107,15 +107,21 @@ void OnlineDownloads::SocketEvent(QTcpSocket* socket, SocketEventKind event) {
             continue;
         switch (event) {
         case SocketEventKind::Read: {
-            s.Received += modSockets::ReceiveAll(socket);
             QPointer<OnlineDownloads> alive(this);
-            if (!s.Parsing)
-                ProcessResponse(n);
-            else if (s.Received.size() > maxHeaderBytes_ + maxBodyBytes_)
-                refuseSlot(n);
-            if (!alive)
-                return;
-            Q_EMIT DataArrived();
+            QPointer<QTcpSocket> open(socket);
+            // Qt announces new data once while this handler runs; what arrives
+            // while the response is cut into lines waits in the socket and is
+            // taken here, as a further read would take it.
+            do {
+                s.Received += modSockets::ReceiveAll(socket);
+                if (!s.Parsing)
+                    ProcessResponse(n);
+                else if (s.Received.size() > maxHeaderBytes_ + maxBodyBytes_)
+                    refuseSlot(n);
+                if (!alive)
+                    return;
+                Q_EMIT DataArrived();
+            } while (!s.Parsing && open && s.Socket == socket && socket->bytesAvailable() > 0);
             if (s.CloseWaiting && !s.Parsing) {
                 s.CloseWaiting = false;
                 closed(n);
@@ -131,10 +137,14 @@ void OnlineDownloads::SocketEvent(QTcpSocket* socket, SocketEventKind event) {
             // Qt has read everything before it reports the close. A close
             // that arrives while the response is being cut into lines waits
             // until that is done, so the whole read is handled first.
-            if (s.Parsing)
+            if (s.Parsing) {
                 s.CloseWaiting = true;
-            else
+            } else if (socket->bytesAvailable() > 0) {
+                s.CloseWaiting = true;
+                SocketEvent(socket, SocketEventKind::Read);
+            } else {
                 closed(n);
+            }
             return;
         }
     }
