@@ -33,6 +33,11 @@ QWidget* ScreensTab::buildFramesFrame() {
                                                "transparent."),
                             frame);
     rule->setWordWrap(true);
+    // As wide as the longer sentence, so the line breaks in the run of spaces
+    // and each sentence stands on a line of its own.
+    rule->setMaximumWidth(rule->fontMetrics().horizontalAdvance(QStringLiteral(
+                              "Pixels with the color #ff00ff will be treated as transparent.")) +
+                          8);
 
     auto* grid = new QGridLayout(frame);
     grid->addWidget(scrFrames_, 0, 0, 1, 2);
