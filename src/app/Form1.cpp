@@ -40,15 +40,13 @@ constexpr double kQuitGuardSeconds = 0.1;
 // The randomizer run gives up on downloads that send nothing for this long.
 constexpr double kDownloadSilenceSeconds = 30.0;
 
-
 } // namespace
 
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
     : QWidget(parent), ui_(ui), arguments_(arguments), clock_(&SecondsSinceMidnight),
       catalogue_(std::make_unique<CatalogueLoader>(ui)) {
     setObjectName(QStringLiteral("Form1"));
-    // Downloads are written as textures through LoadImage and WriteTexture,
-    // set as the applier once the image and texture subsystems are built in.
+    // Finished downloads become textures the way every tab writes pictures.
     downloads_ = new OnlineDownloads(ui_, *this, this);
     buildWindow();
     downloads_->SetTextureApplier(MakeOnlineTextureApplier(*this));
