@@ -4,8 +4,8 @@
 #include "texture/TextureHeader.h"
 
 #include <QBuffer>
+#include <QSize>
 #include <QtEndian>
-#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -32,41 +32,27 @@ const QList<TestArchiveEntry> kEntries{
 // Where the fields of the test archive sit.
 constexpr qsizetype kDirectory = 16;
 constexpr qsizetype kEntry = 48;
-qsizetype nameTable() {
-    return kDirectory + kEntries.size() * kEntry;
-}
+constexpr qsizetype kNames = kDirectory + 4 * kEntry; // the name table, after four entries
 
-TEST(GameArchive, ReadsStoredAndCompressedEntries) {
+TEST(GameArchive, ReadsStoredAndCompressedEntriesAndTheirTextureSizes) {
     const QByteArray archive = MakeTestArchive(kEntries);
     const ArchiveDirectory directory = readDirectory(archive);
     ASSERT_EQ(directory.error, QString());
     ASSERT_EQ(directory.entries.size(), kEntries.size());
+    const QSize sizes[] = {{32, 32}, {64, 128}, {256, 512}, {0, 0}};
     for (qsizetype i = 0; i < kEntries.size(); ++i) {
         const ArchiveEntry& entry = directory.entries[i];
         EXPECT_EQ(entry.name, kEntries[i].name);
         EXPECT_EQ(entry.size, quint32(kEntries[i].content.size()));
         EXPECT_EQ(entry.compressedSize != 0, kEntries[i].compressed);
-        for (int want : {1, 100, kTextureStartBytes, 100000}) {
-            QString error;
-            const QByteArray start = entryStart(archive, entry, want, error);
-            EXPECT_EQ(error, QString());
-            EXPECT_EQ(start, kEntries[i].content.left(want)) << i << " " << want;
-        }
-    }
-    const struct {
-        int index;
-        int width;
-        int height;
-    } sizes[] = {{0, 32, 32}, {1, 64, 128}, {2, 256, 512}};
-    for (const auto& expected : sizes) {
         QString error;
-        const QByteArray start =
-            entryStart(archive, directory.entries[expected.index], kTextureStartBytes, error);
-        int width = 0;
-        int height = 0;
-        ASSERT_TRUE(ReadTextureSize(start, width, height)) << expected.index;
-        EXPECT_EQ(width, expected.width);
-        EXPECT_EQ(height, expected.height);
+        for (int want : {1, 100, kTextureStartBytes, 100000})
+            EXPECT_EQ(entryStart(archive, entry, want, error), kEntries[i].content.left(want))
+                << i << " " << want;
+        EXPECT_EQ(error, QString());
+        int width = 0, height = 0;
+        ReadTextureSize(entryStart(archive, entry, kTextureStartBytes, error), width, height);
+        EXPECT_EQ(QSize(width, height), sizes[i]) << i;
     }
 }
 
@@ -94,89 +80,67 @@ TEST(GameArchive, EveryTruncationEndsInAMessage) {
     }
 }
 
+// One field of the archive overwritten: `width` bytes at `at`.
 struct HostileArchive {
     const char* label;
-    std::function<void(QByteArray&)> damage;
+    qsizetype at;
+    int width;
+    quint32 value;
     const char* error;
-    friend void PrintTo(const HostileArchive& c, std::ostream* os) { *os << c.label; }
 };
 
 class HostileArchives : public ::testing::TestWithParam<HostileArchive> {};
 
 TEST_P(HostileArchives, AreRefusedWithAClearMessage) {
+    const HostileArchive& c = GetParam();
     QByteArray archive = MakeTestArchive(kEntries);
-    GetParam().damage(archive);
+    if (c.width == 4)
+        PutU32(archive, c.at, c.value);
+    else if (c.width == 2)
+        qToLittleEndian<quint16>(quint16(c.value), archive.data() + c.at);
+    else
+        archive[c.at] = char(c.value);
     const ArchiveDirectory directory = readDirectory(archive);
-    EXPECT_TRUE(directory.error.contains(QString::fromUtf8(GetParam().error)))
-        << GetParam().label << ": " << directory.error.toStdString();
+    EXPECT_TRUE(directory.error.contains(QString::fromUtf8(c.error)))
+        << c.label << ": " << directory.error.toStdString();
     EXPECT_TRUE(directory.entries.isEmpty());
 }
 
-void putEntryField(QByteArray& archive, int entry, int field, quint32 value) {
-    PutU32(archive, kDirectory + entry * kEntry + field, value);
+constexpr qsizetype entryField(int entry, int field) {
+    return kDirectory + entry * kEntry + field;
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Catalogue, HostileArchives,
     ::testing::Values(
-        HostileArchive{"bad magic", [](QByteArray& a) { PutU32(a, 0, 0x124); },
-                       "is not a game archive"},
-        HostileArchive{"entry count of 4 billion", [](QByteArray& a) { PutU32(a, 12, 0xFFFFFFFF); },
+        HostileArchive{"bad magic", 0, 4, 0x124, "is not a game archive"},
+        HostileArchive{"4 billion entries", 12, 4, 0xFFFFFFFF,
                        "directory of 4294967295 entries runs past the end"},
-        HostileArchive{"entry count one too many",
-                       [](QByteArray& a) { PutU32(a, 12, quint32(kEntries.size() + 1)); },
-                       "name table has no marker"},
-        HostileArchive{"header size below 16",
-                       [](QByteArray& a) { qToLittleEndian<quint16>(8, a.data() + 8); },
-                       "impossible sizes"},
-        HostileArchive{"header size past the end",
-                       [](QByteArray& a) { qToLittleEndian<quint16>(0xFFFF, a.data() + 8); },
-                       "runs past the end"},
-        HostileArchive{"entry size below 48",
-                       [](QByteArray& a) { qToLittleEndian<quint16>(47, a.data() + 10); },
-                       "impossible sizes"},
-        HostileArchive{"entry marker", [](QByteArray& a) { putEntryField(a, 2, 0, 0); },
-                       "entry 2 has no marker"},
-        HostileArchive{"name index past the table",
-                       [](QByteArray& a) { putEntryField(a, 1, 4, 0xFFFFFFFF); },
+        HostileArchive{"one entry too many", 12, 4, 5, "name table has no marker"},
+        HostileArchive{"header size below 16", 8, 2, 8, "impossible sizes"},
+        HostileArchive{"header size past the end", 8, 2, 0xFFFF, "runs past the end"},
+        HostileArchive{"entry size below 48", 10, 2, 47, "impossible sizes"},
+        HostileArchive{"entry marker", entryField(2, 0), 4, 0, "entry 2 has no marker"},
+        HostileArchive{"name index past the table", entryField(1, 4), 4, 0xFFFFFFFF,
                        "entry 1 names string 4294967295 of 4"},
-        HostileArchive{"data offset past the end",
-                       [](QByteArray& a) { putEntryField(a, 1, 16, 0xFFFFFFF0); },
+        HostileArchive{"data offset past the end", entryField(1, 16), 4, 0xFFFFFFF0,
                        "the data of \"texture_library/GUI/Icons/Powers/Stored.texture\" runs past"},
-        HostileArchive{"stored size past the end",
-                       [](QByteArray& a) { putEntryField(a, 3, 8, 0xFFFFFFFF); },
+        HostileArchive{"stored size past the end", entryField(3, 8), 4, 0xFFFFFFFF,
                        "runs past the end"},
-        HostileArchive{"compressed size past the end",
-                       [](QByteArray& a) { putEntryField(a, 0, 44, 0x7FFFFFFF); },
+        HostileArchive{"compressed size past the end", entryField(0, 44), 4, 0x7FFFFFFF,
                        "runs past the end"},
-        HostileArchive{"name table marker", [](QByteArray& a) { PutU32(a, nameTable(), 1); },
-                       "name table has no marker"},
-        HostileArchive{"name count of 4 billion",
-                       [](QByteArray& a) { PutU32(a, nameTable() + 4, 0xFFFFFFFF); },
-                       "claims 4294967295 names"},
-        HostileArchive{"name table larger than the file",
-                       [](QByteArray& a) { PutU32(a, nameTable() + 8, 0xFFFFFFF0); },
+        HostileArchive{"name table marker", kNames, 4, 1, "name table has no marker"},
+        HostileArchive{"4 billion names", kNames + 4, 4, 0xFFFFFFFF, "claims 4294967295 names"},
+        HostileArchive{"name table larger than the file", kNames + 8, 4, 0xFFFFFFF0,
                        "name table runs past the end of the file"},
-        HostileArchive{"name length past the table",
-                       [](QByteArray& a) { PutU32(a, nameTable() + 12, 0x7FFFFFFF); },
+        HostileArchive{"name length past the table", kNames + 12, 4, 0x7FFFFFFF,
                        "name 0 runs past its table"},
-        HostileArchive{"empty name row", [](QByteArray& a) { PutU32(a, nameTable() + 12, 0); },
-                       "name 0 runs past its table"},
-        HostileArchive{"unterminated name",
-                       [](QByteArray& a) {
-                           const quint32 length =
-                               qFromLittleEndian<quint32>(a.constData() + nameTable() + 12);
-                           a[nameTable() + 16 + length - 1] = 'x';
-                       },
+        HostileArchive{"empty name row", kNames + 12, 4, 0, "name 0 runs past its table"},
+        HostileArchive{"unterminated name", kNames + 16 + kEntries[0].name.size(), 1, 'x',
                        "name 0 is not terminated"},
-        HostileArchive{"more names than the rows hold",
-                       [](QByteArray& a) { PutU32(a, nameTable() + 4, 5); },
+        HostileArchive{"more names than the rows hold", kNames + 4, 4, 5,
                        "name 4 runs past its table"}),
-    [](const auto& info) {
-        QString name = QString::fromLatin1(info.param.label);
-        name.replace(u' ', u'_');
-        return name.toStdString();
-    });
+    [](const auto& info) { return std::to_string(info.index); });
 
 TEST(GameArchive, BrokenCompressedDataIsReported) {
     QByteArray archive = MakeTestArchive(kEntries);

@@ -1,3 +1,4 @@
+#include "common/CaseName.h"
 #include "texture/modShellWait.h"
 
 #include <QElapsedTimer>
@@ -6,54 +7,49 @@
 
 namespace {
 
-const QString kErrorCalling =
-    QStringLiteral("Error calling the NVIDIA tool!\r\nPlease disable Texture Compression.");
+struct ShellCase {
+    const char* name;
+    QStringList command;
+    long timeOut;
+    bool finished;
+    const char* message; // "untouched" when none is given
+    qint64 within;       // milliseconds it may take at most
+};
 
-TEST(ShellAndWait, ACommandThatEndsAtOnceTakesOnePass) {
+class ShellAndWaitRuns : public ::testing::TestWithParam<ShellCase> {};
+
+TEST_P(ShellAndWaitRuns, EndAsTheCommandDoes) {
+    const ShellCase& c = GetParam();
     QString message = QStringLiteral("untouched");
     QElapsedTimer clock;
     clock.start();
-    EXPECT_TRUE(ShellAndWait({QStringLiteral("/bin/true")}, 0, message, 10000));
-    EXPECT_GE(clock.elapsed(), 100);
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_EQ(message, QStringLiteral("untouched"));
+    EXPECT_EQ(ShellAndWait(c.command, 0, message, c.timeOut), c.finished);
+    EXPECT_EQ(message, QString::fromLatin1(c.message));
+    EXPECT_LT(clock.elapsed(), c.within);
 }
 
-TEST(ShellAndWait, TheExitCodeIsNotExamined) {
-    QString message;
-    EXPECT_TRUE(
-        ShellAndWait({QStringLiteral("/bin/sh"), QStringLiteral("-c"), QStringLiteral("exit 3")}, 0,
-                     message, 10000));
-    EXPECT_TRUE(message.isEmpty());
-}
+const char* const kErrorCalling =
+    "Error calling the NVIDIA tool!\r\nPlease disable Texture Compression.";
 
-TEST(ShellAndWait, ATimeOutOfZeroEndsAfterTheFirstPass) {
-    QString message;
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_FALSE(ShellAndWait({QStringLiteral("/bin/sleep"), QStringLiteral("1")}, 0, message, 0));
-    EXPECT_EQ(message, QStringLiteral("The NVIDIA tool has timed out."));
-    EXPECT_LT(clock.elapsed(), 900);
-}
-
-TEST(ShellAndWait, AProgramThatCannotStart) {
-    QString message;
-    EXPECT_FALSE(ShellAndWait({QStringLiteral("/no/such/program")}, 0, message, 10000));
-    EXPECT_EQ(message, kErrorCalling);
-    message.clear();
-    EXPECT_FALSE(ShellAndWait({}, 0, message, 10000));
-    EXPECT_EQ(message, kErrorCalling);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ShellAndWaitRuns,
+    ::testing::Values(
+        ShellCase{"ends at once", {"/bin/true"}, 10000, true, "untouched", 5000},
+        // The exit code is not examined.
+        ShellCase{"fails", {"/bin/sh", "-c", "exit 3"}, 10000, true, "untouched", 5000},
+        // A time-out of zero ends after the first pass.
+        ShellCase{
+            "times out", {"/bin/sleep", "1"}, 0, false, "The NVIDIA tool has timed out.", 900},
+        ShellCase{"cannot start", {"/no/such/program"}, 10000, false, kErrorCalling, 5000},
+        ShellCase{"no command", {}, 10000, false, kErrorCalling, 5000}),
+    CaseName<ShellCase>);
 
 TEST(ShellAndWait, WindowEventsRunWhileItWaits) {
     bool fired = false;
-    QTimer timer;
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &timer, [&fired] { fired = true; });
-    timer.start(50);
+    QObject guard;
+    QTimer::singleShot(50, &guard, [&fired] { fired = true; });
     QString message;
-    EXPECT_TRUE(
-        ShellAndWait({QStringLiteral("/bin/sleep"), QStringLiteral("0.4")}, 0, message, 10000));
+    EXPECT_TRUE(ShellAndWait({"/bin/sleep", "0.4"}, 0, message, 10000));
     EXPECT_TRUE(fired);
 }
 
