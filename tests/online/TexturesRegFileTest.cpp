@@ -8,7 +8,6 @@
 namespace {
 
 const QByteArray kHead = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n";
-const char* const kNames[] = {"webName", "webPath", "webFile", "webWidth", "webHeight", "webLink"};
 
 QString value(const QString& name) {
     return modRegistry::QueryValue(kSettingsKey, name);
@@ -17,15 +16,15 @@ void store(const QString& name, const QString& data) {
     modRegistry::SetValue(kSettingsKey, name, data);
 }
 
-class TexturesRegFileTest : public TestEnvironment {
-protected:
-    const QStringList links{QStringLiteral("http://a/1.png"), QString(), QString(), QString(),
-                            QStringLiteral("typed \"not saved\"")};
-};
+using TexturesRegFileTest = TestEnvironment;
 
-TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescaped) {
+// Slot 0's values written as they are, quotes and backslash included, then
+// read back after that slot was cleared and the addresses changed.
+TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBack) {
     StorePickedTexture(0, {QStringLiteral("Big \"Sign\" (512x256)"), 512, 256,
                            QStringLiteral("texture_library/GUI"), QStringLiteral("back\\slash")});
+    const QStringList links{QStringLiteral("http://a/1.png"), QString(), QString(), QString(),
+                            QStringLiteral("typed \"not saved\"")};
     const QString path = root() + QStringLiteral("/t.reg");
     ASSERT_TRUE(ExportOnlineTextures(path, links));
     QByteArray expected = kHead + "\"webName0\"=\"Big \"Sign\" (512x256)\"\r\n"
@@ -34,24 +33,15 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescaped) {
                                   "\"webWidth0\"=\"512\"\r\n\"webHeight0\"=\"256\"\r\n"
                                   "\"webLink0\"=\"http://a/1.png\"\r\n";
     for (int slot = 1; slot < kDownloadSlots; ++slot)
-        for (const char* name : kNames)
+        for (const char* name :
+             {"webName", "webPath", "webFile", "webWidth", "webHeight", "webLink"})
             expected += '"' + QByteArray(name) + QByteArray::number(slot) + "\"=\"\"\r\n";
     expected.replace("\"webLink4\"=\"\"", "\"webLink4\"=\"typed \"not saved\"\"");
-    EXPECT_EQ(readFile(path), expected);
-}
+    ASSERT_EQ(readFile(path), expected);
 
-TEST_F(TexturesRegFileTest, ImportGivesBackWhatWasExported) {
-    for (int slot = 0; slot < kDownloadSlots; ++slot)
-        StorePickedTexture(slot, {QStringLiteral("T \"%1\" (64x32)").arg(slot), 64, 32,
-                                  QStringLiteral("texture_library/GUI/S%1").arg(slot),
-                                  QStringLiteral("file%1").arg(slot)});
-    const QString path = root() + QStringLiteral("/t.reg");
-    ASSERT_TRUE(ExportOnlineTextures(path, links));
-    for (int slot = 0; slot < kDownloadSlots; ++slot) {
-        StoreClearedSelection(slot);
-        store(OnlineValueName(OnlineValue::Link, slot), QStringLiteral("http://old/x.png"));
-    }
-
+    StoreClearedSelection(0);
+    store(QStringLiteral("webLink0"), QStringLiteral("http://old/x.png"));
+    store(QStringLiteral("webLink3"), QStringLiteral("http://old/y.png"));
     const TexturesImport result = ImportOnlineTextures(path);
     EXPECT_TRUE(result.problems.isEmpty()) << result.Message().toStdString();
     EXPECT_EQ(result.merged, 30);
@@ -59,7 +49,7 @@ TEST_F(TexturesRegFileTest, ImportGivesBackWhatWasExported) {
     for (int slot = 0; slot < kDownloadSlots; ++slot)
         storedLinks << value(OnlineValueName(OnlineValue::Link, slot));
     EXPECT_EQ(storedLinks, links);
-    EXPECT_EQ(TexturesRegText(storedLinks), readFile(path));
+    EXPECT_EQ(TexturesRegText(storedLinks), expected);
 }
 
 struct ImportCase {
