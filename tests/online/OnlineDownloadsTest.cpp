@@ -10,7 +10,6 @@
 #include "online/OnlineSettings.h"
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 
