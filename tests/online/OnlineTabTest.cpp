@@ -1,385 +1,234 @@
 #include "online/OnlineTab.h"
 
 #include "LoopbackServer.h"
-#include "app/BusyHost.h"
-#include "app/ControlTag.h"
-#include "app/Form1.h"
-#include "app/PathUtils.h"
+#include "app/Clock.h"
 #include "app/modRegistry.h"
-#include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
+#include "common/FormFixture.h"
 #include "online/OnlineDownloads.h"
 #include "online/OnlineSettings.h"
-#include "online/TexturesRegFile.h"
-#include "texture/CatalogueLoader.h"
 
 #include <QComboBox>
-#include <QFile>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QTabWidget>
-#include <QTcpSocket>
 
 namespace {
 
-// Two categories; the second holds a texture whose size differs from its
-// neighbour's, and a third is empty.
-const QByteArray kCatalogue = "3\r\n"
-                              "\"Signs\",1\r\n"
+// Two categories, the second with two textures of different sizes, and an
+// empty third.
+const QByteArray kCatalogue = "3\r\n\"Signs\",1\r\n"
                               "\"Sign\",128,64,\"texture_library/GUI/Signs\",\"sign\"\r\n"
                               "\"Skies\",2\r\n"
                               "\"Clouds\",512,256,\"texture_library/Sky\",\"clouds\"\r\n"
                               "\"Dawn\",1024,512,\"texture_library/Sky\",\"dawn\"\r\n"
                               "\"Nothing\",0\r\n";
+const QString kDownload = QStringLiteral("Download and Apply now");
 
-const QColor kRed(255, 0, 0);
-
-QColor textColour(const QWidget* control) {
-    return control->palette().color(control->foregroundRole());
+QString value(const QString& name) {
+    return modRegistry::QueryValue(kSettingsKey, name);
+}
+void store(const QString& name, const QString& data) {
+    modRegistry::SetValue(kSettingsKey, name, data);
+}
+bool isRed(const QWidget* control) {
+    return control->palette().color(control->foregroundRole()) == QColor(255, 0, 0);
 }
 
-class OnlineTabTest : public TestEnvironment {
+// The window with its Online tab, its downloads pointed at a loopback server,
+// its clock set by the test and its textures written by a stand-in that
+// records "<temporary file> <texture file> <bytes>".
+class OnlineTabTest : public FormFixture {
 protected:
     void SetUp() override {
-        TestEnvironment::SetUp();
+        FormFixture::SetUp();
         writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), kCatalogue);
-        downloads = std::make_unique<OnlineDownloads>(ui, busy);
-        downloads->SetPort(server.port());
-        downloads->SetTextureApplier(
+        wire();
+    }
+    void wire() {
+        form->SetClock([this] { return now; });
+        form->Downloads().SetPort(server.port());
+        form->Downloads().SetTextureApplier(
             [this](const QString& temp, int, int, const QString&, const QString& file) {
-                applied << readFile(temp) + ' ' + file.toUtf8();
+                written << temp.section(u'/', -1) + u' ' + file + u' ' + readFile(temp);
                 return true;
             });
-        catalogue = std::make_unique<CatalogueLoader>(ui);
-        tab = std::make_unique<OnlineTab>(ui, *downloads, *catalogue);
     }
-    void TearDown() override {
-        tab.reset();
-        downloads.reset();
-        TestEnvironment::TearDown();
+    template <typename T> T* row(const char* name, int n) {
+        return form->findChild<T*>(QString::fromLatin1(name) + u'_' + QString::number(n));
     }
-
-    template <typename T> T* control(const QString& name) const {
-        T* found = tab->findChild<T*>(name);
-        EXPECT_NE(found, nullptr) << name.toStdString();
-        return found;
-    }
-    template <typename T> T* control(const char* name, int n) const {
-        return control<T>(QString::fromLatin1(name) + u'_' + QString::number(n));
-    }
-    QPushButton* button(const char* name) const {
-        return control<QPushButton>(QString::fromLatin1(name));
-    }
-    QString downloadCaption() const { return button("webDownload")->text(); }
-    bool chooserShown() const {
-        return !control<QGroupBox>(QStringLiteral("webTexFrame"))->isHidden() &&
-               control<QGroupBox>(QStringLiteral("webFileFrame"))->isHidden();
-    }
-    static QString value(const QString& name) {
-        return modRegistry::QueryValue(kSettingsKey, name);
-    }
+    bool chooserShown() { return !control<QGroupBox>("webTexFrame")->isHidden(); }
+    QString caption() { return control<QPushButton>("webDownload")->text(); }
     // The slot's texture chosen and its address typed, as the player does.
     void bindSlot(int n, const QString& address) {
-        control<QLineEdit>("webFile", n)->setText(QStringLiteral("Sign (128x64)"));
-        control<QLineEdit>("webURL", n)->setText(address);
+        row<QLineEdit>("webFile", n)->setText(QStringLiteral("Sign (128x64)"));
+        row<QLineEdit>("webURL", n)->setText(address);
+        store(OnlineValueName(OnlineValue::Link, n), address);
         StorePickedTexture(n,
                            {QStringLiteral("Sign (128x64)"), 128, 64,
                             QStringLiteral("texture_library/GUI/Signs"), QStringLiteral("sign")});
     }
-    static QString loopback(const char* path) {
-        return QStringLiteral("http://127.0.0.1") + QString::fromLatin1(path);
+    // A randomizer run whose stored date of the last refresh is `lastUpdate`.
+    void runRandomizer(const QString& lastUpdate) {
+        store(QStringLiteral("LastOnlineUpdate"), lastUpdate);
+        form = std::make_unique<Form1>(ui, QStringList{QStringLiteral("-randomizer")});
+        wire();
+        form->Form_Load();
     }
 
-    FakeUi ui;
-    HeadlessBusy busy;
     ScriptedServer server;
-    std::unique_ptr<OnlineDownloads> downloads;
-    std::unique_ptr<CatalogueLoader> catalogue;
-    std::unique_ptr<OnlineTab> tab;
-    QList<QByteArray> applied;
+    QStringList written;
+    double now = 1000.0;
 };
 
-TEST_F(OnlineTabTest, TheSlotListIsShownWithItsCaptions) {
-    EXPECT_EQ(control<QGroupBox>(QStringLiteral("webFileFrame"))->title(),
-              QStringLiteral("Online Textures"));
-    EXPECT_EQ(control<QGroupBox>(QStringLiteral("webTexFrame"))->title(),
-              QStringLiteral("Destination"));
-    EXPECT_FALSE(chooserShown());
-    EXPECT_FALSE(control<QGroupBox>(QStringLiteral("webFileFrame"))->isHidden());
-    for (int n = 0; n < kDownloadSlots; ++n) {
-        EXPECT_EQ(control<QLabel>("webLabel", n)->text(), QStringLiteral("Image URL:"));
-        EXPECT_TRUE(control<QLineEdit>("webFile", n)->isReadOnly());
-        EXPECT_FALSE(control<QLineEdit>("webURL", n)->isReadOnly());
-        EXPECT_EQ(control<QPushButton>("webPick", n)->text(), QStringLiteral("Pick..."));
-    }
-    const std::pair<const char*, const char*> captions[] = {
-        {"webPickTexture", "Pick This Texture"},
-        {"webClear", "Clear Selection"},
-        {"webCancel", "Keep Current"},
-        {"webRegFile", "Export Online Textures to a file"},
-        {"webDownload", "Download and Apply now"},
-    };
-    for (const auto& [name, caption] : captions)
-        EXPECT_EQ(button(name)->text(), QString::fromLatin1(caption)) << name;
-    EXPECT_NE(tab->findChild<QLabel*>(), nullptr);
-    bool explained = false;
-    for (const QLabel* label : tab->findChildren<QLabel*>())
-        explained = explained || (label->text().startsWith(QStringLiteral("All the textures in "
-                                                                          "this tab will be")) &&
-                                  label->wordWrap());
-    EXPECT_TRUE(explained);
-}
-
-TEST_F(OnlineTabTest, PickListsTheFirstCategoryAndPickThisTextureStoresTheChoice) {
-    control<QLineEdit>("webURL", 3)->setText(QStringLiteral("http://keep/me.png"));
-    control<QPushButton>("webPick", 3)->click();
+TEST_F(OnlineTabTest, PickThisTextureStoresTheChoiceInOrder) {
+    row<QLineEdit>("webURL", 3)->setText(QStringLiteral("http://keep/me.png"));
+    row<QPushButton>("webPick", 3)->click();
     EXPECT_TRUE(chooserShown());
-    EXPECT_EQ(Tag(button("webPickTexture")), QStringLiteral("3"));
-    auto* categories = control<QComboBox>(QStringLiteral("webCategory"));
-    auto* textures = control<QComboBox>(QStringLiteral("webTexture"));
-    ASSERT_EQ(categories->count(), 3);
-    EXPECT_EQ(categories->currentIndex(), 0);
+    auto* categories = control<QComboBox>("webCategory");
+    auto* textures = control<QComboBox>("webTexture");
     EXPECT_EQ(textures->currentText(), QStringLiteral("Sign (128x64)"));
-
-    // Another category rebuilds the texture list; its second texture is taken.
-    categories->setCurrentIndex(1);
-    ASSERT_EQ(textures->count(), 2);
-    EXPECT_EQ(categories->currentIndex(), 1);
+    categories->setCurrentIndex(1); // rebuilds the texture list
     textures->setCurrentIndex(1);
-    button("webPickTexture")->click();
+    control<QPushButton>("webPickTexture")->click();
 
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(control<QLineEdit>("webFile", 3)->text(), QStringLiteral("Dawn (1024x512)"));
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("Dawn (1024x512)"));
     const QString stored = QString::fromUtf8(readFile(storeFile()));
     const QRegularExpression order(
         QStringLiteral("webName3\"=\"Dawn \\(1024x512\\).*webWidth3\"=\"1024.*webHeight3\"=\"512.*"
                        "webPath3\"=\"texture_library/Sky.*webFile3\"=\"dawn"),
         QRegularExpression::DotMatchesEverythingOption);
     EXPECT_TRUE(order.match(stored).hasMatch()) << stored.toStdString();
-    EXPECT_EQ(control<QLineEdit>("webURL", 3)->text(), QStringLiteral("http://keep/me.png"));
-    EXPECT_TRUE(ui.messages.isEmpty());
-}
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), QStringLiteral("http://keep/me.png"));
 
-TEST_F(OnlineTabTest, PickThisTextureWithNoTextureOnlyClosesTheChooser) {
-    bindSlot(1, QStringLiteral("http://a/b.png"));
-    control<QPushButton>("webPick", 1)->click();
-    control<QComboBox>(QStringLiteral("webCategory"))->setCurrentIndex(2); // empty category
-    EXPECT_EQ(control<QComboBox>(QStringLiteral("webTexture"))->count(), 0);
-    button("webPickTexture")->click();
+    // With no texture in the list, the button only closes the chooser.
+    row<QPushButton>("webPick", 3)->click();
+    categories->setCurrentIndex(2);
+    control<QPushButton>("webPickTexture")->click();
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(control<QLineEdit>("webFile", 1)->text(), QStringLiteral("Sign (128x64)"));
-    EXPECT_EQ(value(QStringLiteral("webName1")), QStringLiteral("Sign (128x64)"));
-    EXPECT_EQ(value(QStringLiteral("webPath1")), QStringLiteral("texture_library/GUI/Signs"));
+    EXPECT_EQ(value(QStringLiteral("webName3")), QStringLiteral("Dawn (1024x512)"));
 }
 
-TEST_F(OnlineTabTest, ClearSelectionEmptiesTheSlotButKeepsItsAddress) {
+TEST_F(OnlineTabTest, KeepCurrentStoresNothingAndClearKeepsTheAddress) {
     bindSlot(2, QStringLiteral("http://a/b.png"));
-    control<QPushButton>("webPick", 2)->click();
-    button("webClear")->click();
+    const QByteArray before = readFile(storeFile());
+    row<QPushButton>("webPick", 2)->click();
+    control<QComboBox>("webCategory")->setCurrentIndex(1);
+    control<QPushButton>("webCancel")->click();
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(control<QLineEdit>("webFile", 2)->text(), QString());
-    EXPECT_EQ(control<QLineEdit>("webURL", 2)->text(), QStringLiteral("http://a/b.png"));
+    EXPECT_EQ(readFile(storeFile()), before);
+
+    row<QPushButton>("webPick", 2)->click();
+    control<QPushButton>("webClear")->click();
+    EXPECT_FALSE(chooserShown());
+    EXPECT_EQ(row<QLineEdit>("webFile", 2)->text(), QString());
+    EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QStringLiteral("http://a/b.png"));
     for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
                           OnlineValue::Path, OnlineValue::File})
         EXPECT_EQ(value(OnlineValueName(v, 2)), QString());
 }
 
-TEST_F(OnlineTabTest, KeepCurrentStoresNothing) {
-    bindSlot(0, QStringLiteral("http://a/b.png"));
-    const QByteArray before = readFile(storeFile());
-    control<QPushButton>("webPick", 0)->click();
-    control<QComboBox>(QStringLiteral("webCategory"))->setCurrentIndex(1);
-    button("webCancel")->click();
-    EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(readFile(storeFile()), before);
-    EXPECT_EQ(control<QLineEdit>("webFile", 0)->text(), QStringLiteral("Sign (128x64)"));
-}
-
-TEST_F(OnlineTabTest, SlotsMissingATextureOrAnAddressAreSkippedWithoutAMark) {
-    button("webDownload")->click(); // all five empty
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Download and Apply now"));
-
-    control<QLineEdit>("webURL", 0)->setText(loopback("/a.png"));      // no texture
-    control<QLineEdit>("webFile", 4)->setText(QStringLiteral("Sign")); // no address
-    button("webDownload")->click();
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Download and Apply now"));
-    EXPECT_FALSE(downloads->AnyActive());
-    for (int n : {0, 4}) {
-        EXPECT_NE(textColour(control<QLineEdit>("webURL", n)), kRed);
-        EXPECT_NE(textColour(control<QLabel>("webLabel", n)), kRed);
-    }
-    WaitUntil([] { return false; }, 50);
-    EXPECT_EQ(server.connectionCount(), 0);
-}
-
+// Slot 0 has no texture and slot 4 no address: skipped, unmarked. Slot 2's
+// address is refused: red until the player types.
 TEST_F(OnlineTabTest, ARefusedAddressTurnsRedUntilTyping) {
-    auto* url = control<QLineEdit>("webURL", 2);
-    auto* label = control<QLabel>("webLabel", 2);
-    const QColor normalUrl = textColour(url);
-    const QColor normalLabel = textColour(label);
+    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://127.0.0.1/a.png"));
+    row<QLineEdit>("webFile", 4)->setText(QStringLiteral("Sign"));
     bindSlot(2, QStringLiteral("https://example.invalid/picture.png"));
-    button("webDownload")->click();
-    EXPECT_EQ(textColour(url), kRed);
-    EXPECT_EQ(textColour(label), kRed);
-    EXPECT_NE(textColour(control<QLineEdit>("webURL", 1)), kRed);
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Download and Apply now"));
-
-    url->setText(QStringLiteral("http://example.invalid/picture.png"));
-    EXPECT_EQ(textColour(url), normalUrl);
-    EXPECT_EQ(textColour(label), normalLabel);
+    control<QPushButton>("webDownload")->click();
+    EXPECT_EQ(caption(), kDownload);
+    EXPECT_FALSE(form->Downloads().AnyActive());
+    for (int n : {0, 4})
+        EXPECT_FALSE(isRed(row<QLineEdit>("webURL", n)) || isRed(row<QLabel>("webLabel", n)));
+    EXPECT_TRUE(isRed(row<QLineEdit>("webURL", 2)) && isRed(row<QLabel>("webLabel", 2)));
+    row<QLineEdit>("webURL", 2)->setText(QStringLiteral("http://example.invalid/picture.png"));
+    EXPECT_FALSE(isRed(row<QLineEdit>("webURL", 2)) || isRed(row<QLabel>("webLabel", 2)));
 }
 
-TEST_F(OnlineTabTest, ADownloadRunsUnderAbortAndIsAppliedWhenItEnds) {
-    bindSlot(1, loopback("/sign.png"));
-    button("webDownload")->click();
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Abort Downloads"));
-    for (const char* name : {"webFile", "webPick", "webURL"})
-        EXPECT_FALSE(control<QWidget>(name, 1)->isEnabled()) << name;
-    EXPECT_TRUE(control<QWidget>("webPick", 0)->isEnabled());
+TEST_F(OnlineTabTest, TheButtonAbortsOrEndsWithTheDownloads) {
+    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
+    auto* button = control<QPushButton>("webDownload");
+    button->click();
+    EXPECT_EQ(caption(), QStringLiteral("Abort Downloads"));
+    EXPECT_FALSE(row<QWidget>("webURL", 1)->isEnabled());
+    ASSERT_NE(server.waitForRequest(0), nullptr);
+    button->click();
+    EXPECT_EQ(caption(), kDownload);
+    EXPECT_FALSE(form->Downloads().AnyActive());
+    EXPECT_TRUE(row<QWidget>("webURL", 1)->isEnabled());
 
-    QTcpSocket* connection = server.waitForRequest();
-    ASSERT_NE(connection, nullptr);
-    EXPECT_TRUE(server.request().startsWith("GET /sign.png HTTP/1.1\r\n"));
-    ScriptedServer::send(connection, "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return downloads->Slot(1).HeaderDone; }));
-    ScriptedServer::send(connection, "picture");
-    ScriptedServer::close(connection);
-    ASSERT_TRUE(WaitUntil([&] { return !applied.isEmpty(); }));
-
-    EXPECT_EQ(applied, QList<QByteArray>{"picture sign"});
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Download and Apply now"));
-    for (const char* name : {"webFile", "webPick", "webURL"})
-        EXPECT_TRUE(control<QWidget>(name, 1)->isEnabled()) << name;
+    button->click();
+    ASSERT_TRUE(
+        server.answer(1, "png", "picture", [&] { return form->Downloads().Slot(1).HeaderDone; }));
+    ASSERT_TRUE(WaitUntil([&] { return !written.isEmpty(); }));
+    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign picture")});
+    EXPECT_EQ(caption(), kDownload);
+    EXPECT_TRUE(row<QWidget>("webPick", 1)->isEnabled());
 }
 
-TEST_F(OnlineTabTest, AbortEndsEverySlotAndDeletesTheTemporaryFiles) {
-    bindSlot(0, loopback("/a.png"));
-    bindSlot(3, loopback("/b.png"));
-    button("webDownload")->click();
-    ASSERT_EQ(downloadCaption(), QStringLiteral("Abort Downloads"));
-    QTcpSocket* first = server.waitForRequest(0);
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(server.waitForRequest(1), nullptr);
-    const int slot = server.request(0).contains("/a.png") ? 0 : 3;
-    ScriptedServer::send(first, "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n");
-    ASSERT_TRUE(WaitUntil([&] { return downloads->Slot(slot).HeaderDone; }));
-    ScriptedServer::send(first, "part of a pict");
-    const QString temp = WorkFolder() + u'/' + downloads->Slot(slot).TempFile;
-    ASSERT_TRUE(QFile::exists(temp));
-
-    button("webDownload")->click();
-    EXPECT_EQ(downloadCaption(), QStringLiteral("Download and Apply now"));
-    EXPECT_FALSE(downloads->AnyActive());
-    EXPECT_FALSE(QFile::exists(temp));
-    EXPECT_TRUE(control<QWidget>("webURL", 0)->isEnabled());
-    EXPECT_TRUE(control<QWidget>("webURL", 3)->isEnabled());
-    WaitUntil([] { return false; }, 50);
-    EXPECT_TRUE(applied.isEmpty());
-    EXPECT_TRUE(ui.messages.isEmpty());
-}
-
-TEST_F(OnlineTabTest, ExportWritesTheAddressesAsTyped) {
-    bindSlot(4, QStringLiteral("http://saved/x.png"));
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("webLink4"),
-                          QStringLiteral("http://saved/x.png"));
-    control<QLineEdit>("webURL", 4)->setText(QStringLiteral("http://typed/not-saved.png"));
-    const QString path = root() + u'/' + kTexturesRegFileName;
-    ui.saveAnswers.push_back(path);
-    button("webRegFile")->click();
-
-    ASSERT_EQ(ui.saveRequests.size(), 1);
-    EXPECT_EQ(ui.saveRequests[0].proposedName, QStringLiteral("Kelvaris Textures.reg"));
-    const QList<QByteArray> lines = readFile(path).split('\n');
-    EXPECT_EQ(lines.size(), 33); // 32 lines, each ending in CR LF
-    EXPECT_EQ(lines[31], "\"webLink4\"=\"http://typed/not-saved.png\"\r");
-    EXPECT_EQ(lines[26], "\"webName4\"=\"Sign (128x64)\"\r");
-}
-
-// The tab as part of the window: filled at start-up, saved at close.
-class OnlineTabInWindowTest : public TestEnvironment {
-protected:
-    template <typename T> T* control(const char* name, int n) const {
-        return form->findChild<T*>(QString::fromLatin1(name) + u'_' + QString::number(n));
-    }
-    static QString value(const QString& name) {
-        return modRegistry::QueryValue(kSettingsKey, name);
-    }
-    static void store(const QString& name, const QString& text) {
-        modRegistry::SetValue(kSettingsKey, name, text);
-    }
-
-    FakeUi ui;
-    std::unique_ptr<Form1> form;
-};
-
-TEST_F(OnlineTabInWindowTest, AnImportRefreshesTheRowsAndSurvivesTheClose) {
-    for (int n = 0; n < kDownloadSlots; ++n) {
-        StorePickedTexture(n,
-                           {QStringLiteral("New %1 (64x64)").arg(n), 64, 64,
-                            QStringLiteral("texture_library/GUI"), QStringLiteral("n%1").arg(n)});
-        store(OnlineValueName(OnlineValue::Link, n), QStringLiteral("http://new/%1.png").arg(n));
-    }
-    const QString file = root() + QStringLiteral("/given.reg");
-    QStringList links;
-    for (int n = 0; n < kDownloadSlots; ++n)
-        links << value(OnlineValueName(OnlineValue::Link, n));
-    links[2].clear(); // the file gives slot 2 an empty address
-    ASSERT_TRUE(ExportOnlineTextures(file, links));
-    for (int n = 0; n < kDownloadSlots; ++n) {
-        StoreClearedSelection(n);
-        store(OnlineValueName(OnlineValue::Link, n), QStringLiteral("http://old/%1.png").arg(n));
-    }
-
-    form = std::make_unique<Form1>(ui, QStringList{});
+TEST_F(OnlineTabTest, ExportTakesTheTypedAddressesAndAnImportSurvivesTheClose) {
+    store(QStringLiteral("webLink1"), QStringLiteral("http://old/1.png"));
+    store(QStringLiteral("webLink2"), QStringLiteral("http://old/2.png"));
     form->Form_Load();
-    auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("SSTab1"));
-    ASSERT_NE(tabs, nullptr);
-    EXPECT_EQ(tabs->tabText(4), QStringLiteral("Online"));
-    EXPECT_NE(qobject_cast<OnlineTab*>(tabs->widget(4)), nullptr);
-    EXPECT_EQ(control<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
-    control<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://typed/0.png"));
-
-    ui.openAnswers.push_back(file);
-    form->findChild<QPushButton*>(QStringLiteral("webImport"))->click();
-    ASSERT_EQ(ui.messages.size(), 1);
-    for (int n = 0; n < kDownloadSlots; ++n)
-        EXPECT_EQ(control<QLineEdit>("webFile", n)->text(),
-                  QStringLiteral("New %1 (64x64)").arg(n));
-    EXPECT_EQ(control<QLineEdit>("webURL", 0)->text(), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(control<QLineEdit>("webURL", 2)->text(), QString());
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
+    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://typed/0.png"));
+    ui.saveAnswers.push_back(root() + QStringLiteral("/saved.reg"));
+    control<QPushButton>("webRegFile")->click(); // the addresses as typed, not as stored
+    EXPECT_EQ(ui.saveRequests.value(0).proposedName, QStringLiteral("Kelvaris Textures.reg"));
+    EXPECT_TRUE(readFile(root() + QStringLiteral("/saved.reg"))
+                    .contains("\"webLink0\"=\"http://typed/0.png\"\r\n\"webName1"));
+    ui.openAnswers.push_back(writeFile(QStringLiteral("given.reg"),
+                                       "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"
+                                       "\"webName3\"=\"New 3\"\r\n\"webLink0\"=\"http://new/0.png\""
+                                       "\r\n\"webLink2\"=\"\"\r\n"));
+    control<QPushButton>("webImport")->click();
+    EXPECT_EQ(ui.messageTexts(),
+              QStringList{QStringLiteral("3 online texture setting(s) were imported.")});
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("New 3"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 0)->text(), QStringLiteral("http://new/0.png"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QString());
 
     form->Unload();
     ASSERT_TRUE(form->IsUnloaded());
     EXPECT_EQ(value(QStringLiteral("webLink0")), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(value(QStringLiteral("webLink4")), QStringLiteral("http://new/4.png"));
-    EXPECT_EQ(value(QStringLiteral("webName3")), QStringLiteral("New 3 (64x64)"));
+    EXPECT_EQ(value(QStringLiteral("webLink2")), QString());
 }
 
-TEST_F(OnlineTabInWindowTest, ACancelledImportKeepsTheTypedAddresses) {
-    store(QStringLiteral("webLink1"), QStringLiteral("http://old/1.png"));
-    form = std::make_unique<Form1>(ui, QStringList{});
-    form->Form_Load();
-    control<QLineEdit>("webURL", 1)->setText(QStringLiteral("http://typed/1.png"));
-    form->findChild<QPushButton*>(QStringLiteral("webImport"))->click(); // cancelled
-    EXPECT_EQ(control<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://typed/1.png"));
-    EXPECT_TRUE(ui.messages.isEmpty());
+TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
+    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
+    runRandomizer(QStringLiteral("a day long gone"));
+    ASSERT_FALSE(form->IsUnloaded()); // waiting for the download
+    now = 1010.0;
+    ASSERT_TRUE(server.answer(0, "png", "png", [&] { return form->LastDataTime() == 1010.0; }));
+    ASSERT_TRUE(WaitUntil([&] { return form->IsUnloaded(); }));
+    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign png")});
+    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), ShortDateText(QDate::currentDate()));
+
+    runRandomizer(value(QStringLiteral("LastOnlineUpdate"))); // a second run the same day
+    EXPECT_TRUE(form->IsUnloaded());
+    WaitUntil([] { return false; }, 100); // time for a connection that must not come
+    EXPECT_EQ(server.connectionCount(), 1);
 }
 
-TEST_F(OnlineTabInWindowTest, EnteringTheTexturesTabClosesTheChooser) {
-    form = std::make_unique<Form1>(ui, QStringList{});
-    form->Form_Load();
-    auto* tabs = form->findChild<QTabWidget*>(QStringLiteral("SSTab1"));
-    tabs->setCurrentIndex(4);
-    control<QPushButton>("webPick", 0)->click();
-    auto* chooser = form->findChild<QGroupBox*>(QStringLiteral("webTexFrame"));
-    auto* slotList = form->findChild<QGroupBox*>(QStringLiteral("webFileFrame"));
-    ASSERT_FALSE(chooser->isHidden());
-    tabs->setCurrentIndex(3);
-    EXPECT_TRUE(chooser->isHidden());
-    EXPECT_FALSE(slotList->isHidden());
+TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
+    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
+    runRandomizer(QStringLiteral("a day long gone"));
+    QTcpSocket* connection = server.waitForRequest();
+    ASSERT_NE(connection, nullptr);
+    now = 1020.0;
+    ScriptedServer::send(connection, "HTTP/1.1 200 OK\r\n"); // then nothing more
+    ASSERT_TRUE(WaitUntil([&] { return form->LastDataTime() == 1020.0; }));
+    now = 1045.0; // 45 seconds after the start, 25 after the data
+    form->rndTimeout_Timer();
+    EXPECT_FALSE(form->IsUnloaded());
+    now = 1050.5;
+    form->rndTimeout_Timer();
+    EXPECT_TRUE(form->IsUnloaded());
+    EXPECT_FALSE(form->Downloads().AnyActive());
+    EXPECT_TRUE(written.isEmpty());
+    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), QStringLiteral("a day long gone"));
 }
 
 } // namespace
