@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -36,46 +37,27 @@ protected:
     clsEncoderOGG encoder;
 };
 
-struct StreamCase {
-    const char* name;
-    int rate, channels;
-    double seconds;
-};
-
-class EncoderStreamTest : public EncoderTest, public ::testing::WithParamInterface<StreamCase> {};
-
-// ogginfo checks the framing (headers on pages of their own, start and end
-// flags); the length to the millisecond shows every frame came through.
-TEST_P(EncoderStreamTest, WritesWhatAnIndependentReaderAccepts) {
-    const StreamCase& c = GetParam();
-    ASSERT_TRUE(encode(out("tone.ogg"), c.rate, c.channels, c.seconds));
-    const OggReport report = ReadOgg(out("tone.ogg"));
-    EXPECT_TRUE(report.valid) << report.text.toStdString();
-    EXPECT_EQ(report.rate, c.rate);
-    EXPECT_EQ(report.channels, c.channels);
-    EXPECT_NEAR(report.seconds, c.seconds, 0.0011);
-    EXPECT_EQ(report.serial, uint(encoder.SerialNumber()));
-}
-
-INSTANTIATE_TEST_SUITE_P(Streams, EncoderStreamTest,
-                         ::testing::Values(StreamCase{"stereo", 44100, 2, 3},
-                                           StreamCase{"mono", 22050, 1, 1.5}),
-                         CaseName<StreamCase>);
-
-TEST_F(EncoderTest, StartingAgainFinishesTheOpenStreamAndDrawsANewSerial) {
-    ASSERT_TRUE(encode(out("left-open.ogg"), 44100, 2, 0.5, false));
-    ASSERT_TRUE(encode(out("next.ogg"), 22050, 1, 0.5));
-    const OggReport first = ReadOgg(out("left-open.ogg"));
-    EXPECT_TRUE(first.valid) << first.text.toStdString();
-    EXPECT_NE(first.serial, ReadOgg(out("next.ogg")).serial);
-    EXPECT_LE(first.serial, 100000u);
+// Starting a second stream finishes the first. ogginfo checks the framing
+// (headers on pages of their own, start and end flags); the length to the
+// millisecond shows every frame came through.
+TEST_F(EncoderTest, WritesWhatAnIndependentReaderAccepts) {
+    ASSERT_TRUE(encode(out("stereo.ogg"), 44100, 2, 3, false));
+    ASSERT_TRUE(encode(out("mono.ogg"), 22050, 1, 1.5));
+    const OggReport stereo = ReadOgg(out("stereo.ogg")), mono = ReadOgg(out("mono.ogg"));
+    EXPECT_TRUE(stereo.valid) << stereo.text.toStdString();
+    EXPECT_TRUE(mono.valid) << mono.text.toStdString();
+    EXPECT_EQ(std::tuple(stereo.rate, stereo.channels, stereo.seconds), std::tuple(44100, 2, 3.0));
+    EXPECT_EQ(std::tuple(mono.rate, mono.channels, mono.seconds), std::tuple(22050, 1, 1.5));
+    EXPECT_NE(stereo.serial, mono.serial);
+    EXPECT_EQ(mono.serial, uint(encoder.SerialNumber()));
+    EXPECT_LE(stereo.serial, 100000u);
 }
 
 // A stream the encoder refuses to start, or a block it refuses to take.
 struct RefusalCase {
     const char* name;
     int rate, channels;
-    const char* file; // below the test's folder; "folder.ogg" is a folder
+    const char* file; // below the test's folder
     bool starts;
     int32_t blockBytes;
     bool takesBlock;
@@ -85,7 +67,6 @@ class EncoderRefusalTest : public EncoderTest, public ::testing::WithParamInterf
 
 TEST_P(EncoderRefusalTest, RefusesWithoutWritingAndStaysUsable) {
     const RefusalCase& c = GetParam();
-    QDir().mkpath(out("folder.ogg"));
     const QString path = *c.file ? out(c.file) : QString();
     ASSERT_EQ(encoder.InitStream(c.rate, int16_t(c.channels), path), c.starts);
     const std::vector<int16_t> samples(32768);
@@ -105,10 +86,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(RefusalCase{"noChannels", 44100, 0, "a.ogg", false, 8, false},
                       RefusalCase{"threeChannels", 44100, 3, "a.ogg", false, 8, false},
                       RefusalCase{"rateZero", 0, 2, "a.ogg", false, 8, false},
-                      RefusalCase{"rateNegative", -8000, 1, "a.ogg", false, 8, false},
                       RefusalCase{"rateTheLibraryRefuses", 400000, 2, "a.ogg", false, 8, false},
                       RefusalCase{"emptyName", 44100, 2, "", false, 8, false},
-                      RefusalCase{"folderName", 44100, 2, "folder.ogg", false, 8, false},
+                      RefusalCase{"folderName", 44100, 2, ".", false, 8, false},
                       RefusalCase{"twoBytes", 44100, 1, "a.ogg", true, 2, false},
                       RefusalCase{"fourBytes", 44100, 1, "a.ogg", true, 4, true},
                       RefusalCase{"largestBlock", 44100, 2, "a.ogg", true, 65534, true},

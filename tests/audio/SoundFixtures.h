@@ -15,15 +15,11 @@ struct OggReport {
 };
 OggReport ReadOgg(const QString& path);
 
-// The path of a test sound by name; empty when `ffmpeg` could not make them.
-// They are made once per test program in a temporary folder:
-//   tone.wav, .mp3, .m4a, .ogg  a 440 Hz tone, 10 s, 44100 Hz stereo
-//   six.m4a        2 s, 48000 Hz, six channels, AAC
-//   mono8k.mp3     4 s, 8000 Hz mono
-//   truncated.mp3  the first 40% of tone.mp3's bytes
-//   damaged.mp3    tone.mp3 with 20000 bytes of noise a third of the way in
-//   empty.mp3      zero bytes
-//   text.wav       a text file
-//   silent.wav     a WAV header without samples
-//   video.mp4      a video without sound
+// The path of a test sound by name, all made once per test program by
+// `ffmpeg` in a temporary folder; empty when that failed. "tone.wav", ".mp3",
+// ".m4a", ".ogg": a 440 Hz tone, 10 s, 44100 Hz stereo; "six.m4a": 2 s,
+// 48000 Hz, six channels; "mono8k.mp3": 4 s, 8000 Hz mono; "truncated.mp3":
+// the first 40% of tone.mp3; "damaged.mp3": tone.mp3 with 20000 bytes of noise
+// a third of the way in; "empty.mp3": zero bytes; "text.wav": text;
+// "silent.wav": a WAV header without samples; "video.mp4": no sound.
 QString Sound(const char* name);
