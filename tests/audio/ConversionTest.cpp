@@ -51,7 +51,7 @@ TEST_P(ConversionSourceTest, ConvertsWhatDecodesAndRefusesTheRest) {
 }
 
 // The slack is one Vorbis block of 2048 frames, plus the 9000 bytes left out
-// of an .m4a.
+// of an .m4a; a damaged mp3 loses some of its frames.
 INSTANTIATE_TEST_SUITE_P(
     Sounds, ConversionSourceTest,
     ::testing::Values(SourceCase{"wav", "tone.wav", 44100, 2, 10, 0.047},

@@ -3,7 +3,6 @@
 #include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 
-#include <QDir>
 #include <QFileInfo>
 #include <cmath>
 #include <tuple>
@@ -53,7 +52,8 @@ TEST_F(EncoderTest, WritesWhatAnIndependentReaderAccepts) {
     EXPECT_LE(stereo.serial, 100000u);
 }
 
-// A stream the encoder refuses to start, or a block it refuses to take.
+// A stream the encoder refuses to start, or a block it refuses to take (the
+// "null" case passes no data at all).
 struct RefusalCase {
     const char* name;
     int rate, channels;
@@ -96,20 +96,21 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"null", 44100, 2, "a.ogg", true, 8, false}),
     CaseName<RefusalCase>);
 
-TEST(EncoderLibrariesTest, MissingLibrariesOrExportsRefuseEverything) {
+class EncoderLibrariesTest : public TestEnvironment {};
+
+TEST_F(EncoderLibrariesTest, MissingLibrariesOrExportsRefuseEverything) {
     for (const OggLibraryNames& names :
          {OggLibraryNames{"libogg.so.0", "libkelvaris-missing-vorbisenc.so.2"},
           OggLibraryNames{"libc.so.6", "libc.so.6"}}) { // no exports: binds, starts nothing
         clsEncoderOGG encoder(names);
         EXPECT_FALSE(encoder.CloseStream()); // before any binding
         EXPECT_EQ(encoder.InitEncoder(), names.ogg == "libc.so.6");
-        EXPECT_FALSE(encoder.InitStream(44100, 2, QDir::tempPath() + "/kelvaris-never.ogg"));
+        EXPECT_FALSE(encoder.InitStream(44100, 2, root() + "/never.ogg"));
         const int16_t samples[4] = {};
         int32_t taken = 0;
         EXPECT_FALSE(encoder.EncodeStream(samples, 8, taken));
         EXPECT_FALSE(encoder.CloseStream());
     }
-    QFile::remove(QDir::tempPath() + "/kelvaris-never.ogg");
 }
 
 } // namespace
