@@ -85,17 +85,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 class ApplyFrameTest : public TestEnvironment {};
 
-TEST_F(ApplyFrameTest, AFrameThatCannotBeReadLeavesTheScreenImageItself) {
-    auto screen = std::make_shared<cDIBSection>(bitmapOf({0x010203}));
+TEST_F(ApplyFrameTest, TheFrameIsReadAndLaidOverOrLeavesTheScreenImageItself) {
+    auto screen = std::make_shared<cDIBSection>(bitmapOf({0x0A141E, 0x0A141E}));
     EXPECT_EQ(ApplyFrame(QString(), screen), screen);
     EXPECT_EQ(ApplyFrame(root() + QStringLiteral("/gone.png"), screen), screen);
     EXPECT_EQ(ApplyFrame(writeFile(QStringLiteral("frame.png"), "not a picture"), screen), screen);
-}
 
-TEST_F(ApplyFrameTest, TheFrameIsReadAndLaidOver) {
     const QString path = root() + QStringLiteral("/Frame One.PNG");
     ASSERT_TRUE(rowImage({0, 0xFF00FF}).save(path, "PNG"));
-    auto screen = std::make_shared<cDIBSection>(bitmapOf({0x0A141E, 0x0A141E}));
     const auto framed = ApplyFrame(path, screen);
     ASSERT_NE(framed, screen);
     EXPECT_EQ(pixelsOf(*framed), (QList<quint32>{0, 0x0A141E}));

@@ -43,11 +43,15 @@ TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
     EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));
 }
 
-TEST_F(RandomFileTest, ASingleImageIsPickedEveryTime) {
+TEST_F(RandomFileTest, ASingleImageIsPickedEveryTimeAndNoImageForgetsIt) {
     const QString folder = library({"only.dds"});
     for (int run = 0; run < 3; ++run)
         EXPECT_EQ(pick(folder), QStringLiteral("only.dds"));
     EXPECT_EQ(lastPick(), QStringLiteral("only.dds"));
+    // A library without images forgets the last pick.
+    writeFile(QStringLiteral("other/x.png"), "x");
+    EXPECT_EQ(pick(root() + QStringLiteral("/other/")), QString());
+    EXPECT_EQ(lastPick(), QString());
 }
 
 TEST_F(RandomFileTest, TwoImagesAlternate) {
@@ -73,12 +77,6 @@ TEST_F(RandomFileTest, TheTenthDrawIsKeptEvenWhenItRepeats) {
                    }),
               first);
     EXPECT_EQ(calls, 10);
-}
-
-TEST_F(RandomFileTest, EmptyLibraryForgetsTheLastPick) {
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("RandomHL"), QStringLiteral("gone.dds"));
-    EXPECT_EQ(pick(library({"x.png"})), QString());
-    EXPECT_EQ(lastPick(), QString());
 }
 
 TEST_F(RandomFileTest, HugeLibraryIsListedOnlyUpToTheLimit) {
