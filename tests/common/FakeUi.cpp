@@ -30,7 +30,7 @@ QString FakeUi::SaveFile(const FileDialogRequest& request) {
 
 bool FakeUi::StartProgram(const ProgramStart& start) {
     starts.append(start);
-    return startSucceeds;
+    return true;
 }
 
 QStringList FakeUi::messageTexts() const {

@@ -31,7 +31,6 @@ public:
     std::deque<MsgAnswer> answers;
     std::deque<QString> openAnswers;
     std::deque<QString> saveAnswers;
-    bool startSucceeds = true;
 
     QStringList messageTexts() const;
 };

@@ -32,15 +32,6 @@ public:
     bool IsBusy() const override { return busy; }
     bool RandomizerMode() const override { return false; }
 
-    // The calls with a caption, in order (progress steps without text left out).
-    QList<Call> captioned() const {
-        QList<Call> result;
-        for (const Call& call : calls)
-            if (!call.text.isEmpty() || call.kind != QStringLiteral("progress"))
-                result.append(call);
-        return result;
-    }
-
     bool busy = false;
     QList<Call> calls;
 };

@@ -1,31 +1,10 @@
 #include "randomizer/ChatClientLauncher.h"
 
-#include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
-
-#include <QDir>
-#include <QFile>
+#include "WineOnPath.h"
 
 namespace {
 
-class ChatClientTest : public TestEnvironment {
-protected:
-    void SetUp() override {
-        TestEnvironment::SetUp();
-        savedPath = qgetenv("PATH");
-        // A stand-in "wine" on the PATH; FakeUi records the start instead of
-        // running it.
-        const QString bin = writeFile(QStringLiteral("bin/wine"), "#!/bin/sh\nexit 0\n");
-        QFile::setPermissions(bin, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("PATH", (root() + QStringLiteral("/bin")).toUtf8());
-    }
-    void TearDown() override {
-        qputenv("PATH", savedPath);
-        TestEnvironment::TearDown();
-    }
-    QByteArray savedPath;
-    FakeUi ui;
-};
+using ChatClientTest = WineOnPath;
 
 TEST_F(ChatClientTest, StartsTheClientThroughWineInTheGameFolder) {
     const QString game = winePrefix() + QStringLiteral("/drive_c/Games/CoH");
@@ -61,13 +40,6 @@ TEST_F(ChatClientTest, MissingWineIsToldClearly) {
     ASSERT_EQ(ui.messages.size(), 1);
     EXPECT_TRUE(ui.messages[0].text.contains(QStringLiteral("Wine")));
     EXPECT_TRUE(ui.starts.isEmpty());
-}
-
-TEST_F(ChatClientTest, GameOutsideAPrefixGetsNoPrefix) {
-    writeFile(QStringLiteral("game/paragonchat.exe"), "MZ");
-    ASSERT_TRUE(LaunchChatClient(root() + QStringLiteral("/game"), QStringLiteral(" "), ui));
-    EXPECT_EQ(WinePrefixOf(root() + QStringLiteral("/game")), QString());
-    EXPECT_EQ(ui.starts[0].arguments.size(), 1);
 }
 
 } // namespace

@@ -13,12 +13,8 @@ class RandomFileTest : public TestEnvironment {
 protected:
     QString library(const QStringList& names) {
         const QString folder = root() + QStringLiteral("/lib/");
-        QDir().mkpath(folder);
-        for (const QString& name : names) {
-            QFile file(folder + name);
-            if (file.open(QIODevice::WriteOnly))
-                file.write("DDS ");
-        }
+        for (const QString& name : names)
+            writeFile(QStringLiteral("lib/") + name, "DDS ");
         return folder;
     }
     // Plays back the given draws, then keeps returning the last one.
@@ -30,6 +26,9 @@ protected:
                 queue->pop_front();
             return v;
         };
+    }
+    static QString pick(const QString& folder, const UniformRandom& random = ClockSeededRandom()) {
+        return RandomFile(folder, QStringLiteral("RandomHL"), random);
     }
     static QString lastPick() {
         return modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL"));
@@ -44,44 +43,40 @@ TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
     EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));
 }
 
-TEST_F(RandomFileTest, ASingleImageIsPickedEveryTime) {
+TEST_F(RandomFileTest, ASingleImageIsPickedEveryTimeAndNoImageForgetsIt) {
     const QString folder = library({"only.dds"});
     for (int run = 0; run < 3; ++run)
-        EXPECT_EQ(RandomFile(folder, QStringLiteral("RandomHL")), QStringLiteral("only.dds"));
+        EXPECT_EQ(pick(folder), QStringLiteral("only.dds"));
     EXPECT_EQ(lastPick(), QStringLiteral("only.dds"));
+    // A library without images forgets the last pick.
+    writeFile(QStringLiteral("other/x.png"), "x");
+    EXPECT_EQ(pick(root() + QStringLiteral("/other/")), QString());
+    EXPECT_EQ(lastPick(), QString());
 }
 
 TEST_F(RandomFileTest, TwoImagesAlternate) {
     const QString folder = library({"one.dds", "two.dds"});
-    const QString first = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.0}));
+    const QString first = pick(folder, draws({0.0}));
     // Draws that keep hitting the previous pick are drawn again.
     const double firstIndex = ListLibraryImages(folder).indexOf(first);
     const double same = firstIndex / 2.0, other = (1.0 - firstIndex) / 2.0;
-    const QString second =
-        RandomFile(folder, QStringLiteral("RandomHL"), draws({same, same, other}));
+    const QString second = pick(folder, draws({same, same, other}));
     EXPECT_NE(second, first);
-    const QString third =
-        RandomFile(folder, QStringLiteral("RandomHL"), draws({other, other, same}));
-    EXPECT_EQ(third, first);
-    EXPECT_EQ(lastPick(), third);
+    EXPECT_EQ(pick(folder, draws({other, other, same})), first);
+    EXPECT_EQ(lastPick(), first);
 }
 
 TEST_F(RandomFileTest, TheTenthDrawIsKeptEvenWhenItRepeats) {
     const QString folder = library({"one.dds", "two.dds"});
-    const QString first = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.0}));
+    const QString first = pick(folder, draws({0.0}));
     int calls = 0;
-    const QString again = RandomFile(folder, QStringLiteral("RandomHL"), [&] {
-        ++calls;
-        return ListLibraryImages(folder).indexOf(first) / 2.0;
-    });
-    EXPECT_EQ(again, first);
+    EXPECT_EQ(pick(folder,
+                   [&] {
+                       ++calls;
+                       return ListLibraryImages(folder).indexOf(first) / 2.0;
+                   }),
+              first);
     EXPECT_EQ(calls, 10);
-}
-
-TEST_F(RandomFileTest, EmptyLibraryForgetsTheLastPick) {
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("RandomHL"), QStringLiteral("gone.dds"));
-    EXPECT_EQ(RandomFile(library({"x.png"}), QStringLiteral("RandomHL")), QString());
-    EXPECT_EQ(lastPick(), QString());
 }
 
 TEST_F(RandomFileTest, HugeLibraryIsListedOnlyUpToTheLimit) {
@@ -90,8 +85,7 @@ TEST_F(RandomFileTest, HugeLibraryIsListedOnlyUpToTheLimit) {
         names << QStringLiteral("img %1.dds").arg(i);
     const QString folder = library(names);
     EXPECT_EQ(ListLibraryImages(folder).size(), kLibraryListLimit);
-    const QString pick = RandomFile(folder, QStringLiteral("RandomHL"), draws({0.999999}));
-    EXPECT_TRUE(QFile::exists(folder + pick));
+    EXPECT_TRUE(QFile::exists(folder + pick(folder, draws({0.999999}))));
 }
 
 } // namespace

@@ -1,67 +1,43 @@
 #include "randomizer/RunRandomizer.h"
 
+#include "WineOnPath.h"
 #include "app/modRegistry.h"
-#include "common/FakeUi.h"
-#include "common/TestEnvironment.h"
 
-#include <QDir>
-#include <QFile>
-#include <cstring>
+#include <QFileInfo>
 
 namespace {
 
-// texPath + name + ".dds" + NUL
-const qsizetype kLoginNameLength =
-    qsizetype(strlen(
-        "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds")) +
-    1;
+const QByteArray kLoginName =
+    "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds";
 
-class RunRandomizerTest : public TestEnvironment {
+class RunRandomizerTest : public WineOnPath {
 protected:
     void SetUp() override {
-        TestEnvironment::SetUp();
-        savedPath = qgetenv("PATH");
-        savedCwd = QDir::currentPath();
-        const QString bin = writeFile(QStringLiteral("bin/wine"), "#!/bin/sh\nexit 0\n");
-        QFile::setPermissions(bin, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("PATH", (root() + QStringLiteral("/bin")).toUtf8());
+        WineOnPath::SetUp();
         game = root() + QStringLiteral("/game");
         writeFile(QStringLiteral("game/paragonchat.exe"), "MZ");
     }
-    void TearDown() override {
-        qputenv("PATH", savedPath);
-        QDir::setCurrent(savedCwd);
-        TestEnvironment::TearDown();
+    QString texture(const char* folder, const char* name) const {
+        return game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/") +
+               QString::fromLatin1(folder) + u'/' + QString::fromLatin1(name) +
+               QStringLiteral(".texture");
     }
-    QString loginTexture() const {
-        return game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/LoginScreen/"
-                                     "COH_LogInScreen_Background.texture");
-    }
-    QString characterTexture() const {
-        return game +
-               QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/"
-                              "background.texture");
-    }
+    QString loginTexture() const { return texture("LoginScreen", "COH_LogInScreen_Background"); }
 
-    QByteArray savedPath;
-    QString savedCwd;
     QString game;
-    FakeUi ui;
 };
 
 TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
-    writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), QByteArray("DDS login", 9));
-    writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), QByteArray("DDS char", 8));
+    writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), "DDS login");
+    writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), "DDS char");
 
     RunRandomizer(game, QStringLiteral("-randomizer -x 1"), ui);
 
+    // A 32-byte header, the texture's name with its NUL, then the image.
     const QByteArray login = readFile(loginTexture());
-    ASSERT_FALSE(login.isEmpty());
-    EXPECT_TRUE(login.endsWith("DDS login"));
-    EXPECT_TRUE(login.contains(
-        "texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.dds"));
-    EXPECT_EQ(login.size(), 32 + kLoginNameLength + 9);
-    EXPECT_TRUE(readFile(characterTexture()).endsWith("DDS char"));
+    EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + "DDS login")));
+    EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 9);
+    EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith("DDS char"));
     EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")),
               QStringLiteral("Sunset.dds"));
     EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHC")),
@@ -73,31 +49,20 @@ TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
     EXPECT_EQ(QDir::currentPath(), game);
 }
 
-TEST_F(RunRandomizerTest, MissingLibraryLeavesThatScreenAlone) {
-    writeFile(QStringLiteral("game/Kelvaris/RandomHC/a.dds"), "DDS a");
-    RunRandomizer(game, QStringLiteral("-randomizer"), ui);
-    EXPECT_FALSE(QFile::exists(loginTexture()));
-    EXPECT_TRUE(QFile::exists(characterTexture()));
-    ASSERT_EQ(ui.starts.size(), 1);
-}
-
-TEST_F(RunRandomizerTest, EmptyLibraryMakesTheFolderButWritesNothing) {
-    QDir().mkpath(game + QStringLiteral("/Kelvaris/RandomHL"));
+TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillStart) {
+    // Login: no file that can be opened as an image (a folder named like one).
     writeFile(QStringLiteral("game/Kelvaris/RandomHL/notes.txt"), "x");
-    RunRandomizer(game, QStringLiteral("-randomizer"), ui);
-    EXPECT_TRUE(
-        QDir(game + QStringLiteral("/data/texture_library/GUI/CREATION/HybridUI/LoginScreen"))
-            .exists());
-    EXPECT_FALSE(QFile::exists(loginTexture()));
-}
-
-TEST_F(RunRandomizerTest, UnreadableLibraryImageWritesNothing) {
-    // A folder named like an image cannot be opened as one.
     QDir().mkpath(game + QStringLiteral("/Kelvaris/RandomHL/broken.dds"));
-    writeFile(QStringLiteral("game/Kelvaris/RandomHL/empty.dds"), QByteArray());
     RunRandomizer(game, QStringLiteral("-randomizer"), ui);
-    // The zero-byte image may be wrapped (a header and nothing else); nothing crashes.
+    EXPECT_TRUE(QDir(QFileInfo(loginTexture()).path()).exists()); // the folder is made
+    EXPECT_FALSE(QFile::exists(loginTexture()));
+    EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background"))); // no library
     EXPECT_EQ(ui.starts.size(), 1);
+
+    // A zero-byte image may be wrapped (a header and nothing else); nothing crashes.
+    writeFile(QStringLiteral("game/Kelvaris/RandomHC/empty.dds"), QByteArray());
+    RunRandomizer(game, QStringLiteral("-randomizer"), ui);
+    EXPECT_EQ(ui.starts.size(), 2);
 }
 
 TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
