@@ -1,6 +1,7 @@
 #include "app/DeferredMessages.h"
 #include "app/Form1.h"
 #include "app/RealUiServices.h"
+#include "app/StaleTemporaries.h"
 #include "app/StartUp.h"
 #include "randomizer/RunRandomizer.h"
 
@@ -18,8 +19,11 @@ int main(int argc, char* argv[]) {
     // shown once that is done.
     DeferredMessages early(ui);
     const bool randomizer = IsRandomizerCommandLine(commandLine);
+    const QString gameFolder = StartGameFolder();
     if (randomizer)
-        RunRandomizer(StartGameFolder(), commandLine, early);
+        RunRandomizer(gameFolder, commandLine, early);
+    // Only once the client is on its way: the player does not wait for this.
+    RemoveStaleTemporariesAtStart(gameFolder);
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvaris"));

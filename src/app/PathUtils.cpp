@@ -72,6 +72,23 @@ bool IsContainedRelative(const QString& relative) {
     return true;
 }
 
+bool LiesBelow(const QString& Path, const QString& Root, const QString& Below) {
+    if (Root.isEmpty() || Path.isEmpty())
+        return false;
+    const QString root = QDir::cleanPath(QDir(Root).absolutePath());
+    const QString target = QDir::cleanPath(QDir(Path).absolutePath());
+    if (!target.startsWith(root + u'/'))
+        return false;
+    const QStringList rest = target.mid(root.size() + 1).split(u'/');
+    const QStringList wanted = Below.split(u'/', Qt::SkipEmptyParts);
+    if (rest.size() < wanted.size())
+        return false;
+    for (qsizetype i = 0; i < wanted.size(); ++i)
+        if (rest[i].compare(wanted[i], Qt::CaseInsensitive) != 0)
+            return false;
+    return true;
+}
+
 QString ProgramFolder() {
     return QCoreApplication::applicationDirPath();
 }

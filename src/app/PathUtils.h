@@ -25,6 +25,13 @@ QString ResolveExistingCase(const QString& Path);
 // empty, not absolute, and no "." or ".." component. Both separators count.
 bool IsContainedRelative(const QString& relative);
 
+// True when Path lies inside Root + "/" + Below (or is that folder), both
+// made absolute and cleaned of "." and "..". Root must match as written;
+// Below's components match without regard to letter case, as the game,
+// under Wine, reads them: "/g/Data/Texture_Library/GUI" lies below "/g" and
+// "data/texture_library".
+bool LiesBelow(const QString& Path, const QString& Root, const QString& Below);
+
 // The folder of the running program, where what ships with it is looked for.
 QString ProgramFolder();
 

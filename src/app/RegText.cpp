@@ -4,13 +4,19 @@
 
 namespace {
 
-bool sameName(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
+enum class Escapes {
+    None,     // the text between the quotes as it stands
+    Regedit4, // "\\" and "\"" only; any other backslash is kept
+    Wine,     // also \n, \r, \t, \0 and \xNNNN
+};
+
+QString folded(const QString& name) {
+    return name.toCaseFolded();
 }
 
 // Reads a quoted string starting at `pos` (which holds the opening quote).
 // Returns the text and leaves `pos` after the closing quote.
-std::optional<QString> readQuoted(const QString& line, qsizetype& pos, bool unescape) {
+std::optional<QString> readQuoted(const QString& line, qsizetype& pos, Escapes escapes) {
     if (pos >= line.size() || line[pos] != u'"')
         return std::nullopt;
     QString out;
@@ -21,8 +27,13 @@ std::optional<QString> readQuoted(const QString& line, qsizetype& pos, bool unes
             ++pos;
             return out;
         }
-        if (c == u'\\' && unescape && pos + 1 < line.size()) {
+        if (c == u'\\' && escapes != Escapes::None && pos + 1 < line.size()) {
             const QChar n = line[pos + 1];
+            if (escapes == Escapes::Regedit4 && n != u'\\' && n != u'"') {
+                out += c;
+                ++pos;
+                continue;
+            }
             pos += 2;
             switch (n.unicode()) {
             case 'n':
@@ -70,120 +81,216 @@ QString escapeForRegedit(const QString& s) {
     return out;
 }
 
+// The value's name ("@" for the default) and the position after its "=".
+std::optional<QString> readValueName(const QString& line, qsizetype& pos, Escapes escapes) {
+    QString name;
+    if (line.startsWith(u'@')) {
+        pos = 1;
+    } else {
+        pos = 0;
+        auto quoted = readQuoted(line, pos, escapes);
+        if (!quoted)
+            return std::nullopt;
+        name = *quoted;
+    }
+    if (pos >= line.size() || line[pos] != u'=')
+        return std::nullopt;
+    ++pos;
+    return name;
+}
+
+// A value of another type than string: "dword:00000780", "hex:01,02",
+// "hex(2):41,00" ... The type is letters and digits, with a number in
+// parentheses for hex.
+bool isTypedData(QStringView data) {
+    const qsizetype colon = data.indexOf(u':');
+    if (colon <= 0)
+        return false;
+    for (const QChar c : data.left(colon))
+        if (!c.isLetterOrNumber() && c != u'(' && c != u')')
+            return false;
+    return true;
+}
+
+// What a dword reads as: its decimal text, "" when it is not 8 hex digits.
+QString dwordText(QStringView data) {
+    if (!data.startsWith(u"dword:", Qt::CaseInsensitive))
+        return {};
+    const QStringView digits = data.mid(6).trimmed();
+    bool ok = false;
+    const uint number = digits.toUInt(&ok, 16);
+    return ok && digits.size() <= 8 ? QString::number(number) : QString();
+}
+
+bool continues(const QByteArray& line) {
+    return line.trimmed().endsWith('\\');
+}
+
+// Splits into lines, each without its line end ("\n" or "\r\n").
+QList<QByteArray> splitLines(const QByteArray& text) {
+    QList<QByteArray> lines = text.split('\n');
+    for (QByteArray& line : lines)
+        if (line.endsWith('\r'))
+            line.chop(1);
+    return lines;
+}
+
+// The line as text, or nothing when it is not valid UTF-8.
+std::optional<QString> utf8Line(const QByteArray& line) {
+    QString text = QString::fromUtf8(line);
+    if (text.contains(QChar::ReplacementCharacter) && !line.contains("\xEF\xBF\xBD"))
+        return std::nullopt;
+    return text;
+}
+
 } // namespace
 
 const RegValue* RegKey::findValue(const QString& name) const {
-    for (const RegValue& v : values)
-        if (sameName(v.name, name))
-            return &v;
-    return nullptr;
+    const auto at = byName_.constFind(folded(name));
+    return at == byName_.cend() ? nullptr : &values[*at];
 }
 
 RegValue* RegKey::findValue(const QString& name) {
-    for (RegValue& v : values)
-        if (sameName(v.name, name))
-            return &v;
-    return nullptr;
+    const auto at = byName_.constFind(folded(name));
+    return at == byName_.cend() ? nullptr : &values[*at];
+}
+
+void RegKey::putValue(RegValue value) {
+    if (RegValue* existing = findValue(value.name)) {
+        *existing = std::move(value);
+        return;
+    }
+    byName_.insert(folded(value.name), values.size());
+    values.append(std::move(value));
 }
 
 void RegKey::setValue(const QString& name, const QString& data) {
-    if (RegValue* v = findValue(name))
-        v->data = data;
-    else
-        values.append(RegValue{name, data});
+    putValue(RegValue{name, data, {}});
 }
 
 bool RegKey::removeValue(const QString& name) {
-    for (qsizetype i = 0; i < values.size(); ++i) {
-        if (sameName(values[i].name, name)) {
-            values.removeAt(i);
-            return true;
-        }
-    }
-    return false;
+    const auto at = byName_.constFind(folded(name));
+    if (at == byName_.cend())
+        return false;
+    values.removeAt(*at);
+    byName_.clear();
+    for (qsizetype i = 0; i < values.size(); ++i)
+        byName_.insert(folded(values[i].name), i);
+    return true;
 }
 
 const RegKey* RegDocument::findKey(const QString& path) const {
-    for (const RegKey& k : keys)
-        if (sameName(k.path, path))
-            return &k;
-    return nullptr;
+    const auto at = byPath_.constFind(folded(path));
+    return at == byPath_.cend() ? nullptr : &keys[*at];
 }
 
 RegKey* RegDocument::findKey(const QString& path) {
-    for (RegKey& k : keys)
-        if (sameName(k.path, path))
-            return &k;
-    return nullptr;
+    const auto at = byPath_.constFind(folded(path));
+    return at == byPath_.cend() ? nullptr : &keys[*at];
 }
 
 RegKey& RegDocument::addKey(const QString& path) {
     if (RegKey* k = findKey(path))
         return *k;
-    keys.append(RegKey{path, {}});
+    byPath_.insert(folded(path), keys.size());
+    keys.append(RegKey(path));
+    return keys.last();
+}
+
+RegKey& RegDocument::addUnreadableKey(const QByteArray& heading) {
+    keys.append(RegKey(QString(), heading));
     return keys.last();
 }
 
 std::optional<RegValue> ParseRegValueLine(const QString& line, bool unescape) {
+    const Escapes escapes = unescape ? Escapes::Regedit4 : Escapes::None;
     qsizetype pos = 0;
-    RegValue value;
-    if (line.startsWith(u'@')) {
-        pos = 1;
-    } else {
-        auto name = readQuoted(line, pos, unescape);
-        if (!name)
-            return std::nullopt;
-        value.name = *name;
-    }
-    if (pos >= line.size() || line[pos] != u'=')
+    const std::optional<QString> name = readValueName(line, pos, escapes);
+    if (!name)
         return std::nullopt;
-    ++pos;
-    auto data = readQuoted(line, pos, unescape);
+    auto data = readQuoted(line, pos, escapes);
     if (!data || !QStringView(line).mid(pos).trimmed().isEmpty())
         return std::nullopt;
-    value.data = *data;
-    return value;
+    return RegValue{*name, *data, {}};
+}
+
+bool IsStorableText(const QString& text) {
+    for (const QChar c : text)
+        if (c.unicode() < 0x20 || c.unicode() == 0x7F)
+            return false;
+    return true;
 }
 
 std::optional<RegDocument> ParseRegedit4(const QByteArray& text) {
-    if (text.contains('\0'))
+    const QList<QByteArray> lines = splitLines(text);
+    qsizetype i = 0;
+    while (i < lines.size() && lines[i].trimmed().isEmpty())
+        ++i;
+    QByteArray header = i < lines.size() ? lines[i].trimmed() : QByteArray();
+    if (header.startsWith("\xEF\xBB\xBF"))
+        header.remove(0, 3);
+    if (i == lines.size()) // an empty file holds no values, and that is all
+        return RegDocument{};
+    if (header != "REGEDIT4")
         return std::nullopt;
-    const QString all = QString::fromUtf8(text);
-    if (all.contains(QChar::ReplacementCharacter))
-        return std::nullopt;
-    const QStringList lines = all.split(u'\n');
+
     RegDocument doc;
     RegKey* current = nullptr;
-    bool sawHeader = false;
-    for (QString line : lines) {
-        if (line.endsWith(u'\r'))
-            line.chop(1);
-        const QString trimmed = line.trimmed();
-        if (!sawHeader) {
-            if (trimmed.isEmpty())
-                continue;
-            if (trimmed != u"REGEDIT4")
-                return std::nullopt;
-            sawHeader = true;
+    const auto keepLine = [&](const QByteArray& line) {
+        if (current)
+            current->otherLines.append(line);
+        else
+            doc.leadingLines.append(line);
+    };
+    for (++i; i < lines.size(); ++i) {
+        const QByteArray& bytes = lines[i];
+        if (bytes.trimmed().isEmpty())
+            continue;
+        const std::optional<QString> line = utf8Line(bytes);
+        if (!line || line->contains(QChar(0))) {
+            keepLine(bytes);
             continue;
         }
-        if (trimmed.isEmpty() || trimmed.startsWith(u';'))
-            continue;
+        const QString trimmed = line->trimmed();
         if (trimmed.startsWith(u'[')) {
-            if (!trimmed.endsWith(u']'))
-                return std::nullopt;
-            current = &doc.addKey(trimmed.mid(1, trimmed.size() - 2));
+            if (trimmed.endsWith(u']'))
+                current = &doc.addKey(trimmed.mid(1, trimmed.size() - 2));
+            else
+                current = &doc.addUnreadableKey(bytes);
             continue;
         }
-        if (!current)
-            return std::nullopt;
-        auto value = ParseRegValueLine(line, true);
-        if (!value)
-            return std::nullopt;
-        current->setValue(value->name, value->data);
+        qsizetype pos = 0;
+        const std::optional<QString> name =
+            current ? readValueName(*line, pos, Escapes::Regedit4) : std::nullopt;
+        if (!name) {
+            keepLine(bytes);
+            continue;
+        }
+        if (pos < line->size() && line->at(pos) == u'"') {
+            auto data = readQuoted(*line, pos, Escapes::Regedit4);
+            if (data && QStringView(*line).mid(pos).trimmed().isEmpty())
+                current->putValue(RegValue{*name, *data, {}});
+            else
+                keepLine(bytes);
+            continue;
+        }
+        const QStringView data = QStringView(*line).mid(pos);
+        if (!isTypedData(data)) {
+            keepLine(bytes);
+            continue;
+        }
+        // Binary values run on over lines that end in a backslash. One whose
+        // next line is missing or blank was cut short; its dangling backslash
+        // goes, so that the value reads back the same after it is rewritten.
+        QByteArray raw = data.toUtf8();
+        while (continues(lines[i]) && i + 1 < lines.size() && !lines[i + 1].trimmed().isEmpty())
+            raw += "\r\n" + lines[++i];
+        if (continues(raw)) {
+            raw = raw.trimmed();
+            raw.chop(1);
+        }
+        current->putValue(RegValue{*name, dwordText(QString::fromUtf8(raw)), raw});
     }
-    if (!sawHeader && !all.trimmed().isEmpty())
-        return std::nullopt;
     return doc;
 }
 
@@ -221,42 +328,43 @@ RegDocument ParseWineHive(const QByteArray& text) {
             continue;
         // Names are always quoted; the data may be a string or a dword.
         qsizetype pos = 0;
-        QString name;
-        if (line.startsWith(u'@')) {
-            pos = 1;
-        } else {
-            auto quoted = readQuoted(line, pos, true);
-            if (!quoted)
-                continue;
-            name = *quoted;
-        }
-        if (pos >= line.size() || line[pos] != u'=')
+        const std::optional<QString> name = readValueName(line, pos, Escapes::Wine);
+        if (!name)
             continue;
-        ++pos;
         if (pos < line.size() && line[pos] == u'"') {
-            if (auto data = readQuoted(line, pos, true))
-                current->setValue(name, *data);
+            if (auto data = readQuoted(line, pos, Escapes::Wine))
+                current->setValue(*name, *data);
         } else if (QStringView(line).mid(pos).startsWith(u"dword:")) {
-            bool ok = false;
-            const uint number = QStringView(line).mid(pos + 6).trimmed().toUInt(&ok, 16);
-            if (ok)
-                current->setValue(name, QString::number(number));
+            const QString number = dwordText(QStringView(line).mid(pos));
+            if (!number.isEmpty())
+                current->setValue(*name, number);
         }
     }
     return doc;
 }
 
 QByteArray WriteRegedit4(const RegDocument& doc) {
-    QString out = QStringLiteral("REGEDIT4\r\n");
+    QByteArray out = "REGEDIT4\r\n";
+    for (const QByteArray& line : doc.leadingLines)
+        out += line + "\r\n";
     for (const RegKey& key : doc.keys) {
-        out += u"\r\n[" % key.path % u"]\r\n";
+        out += "\r\n";
+        out += key.rawHeading.isEmpty() ? ('[' + key.path.toUtf8() + ']') : key.rawHeading;
+        out += "\r\n";
         for (const RegValue& v : key.values) {
             if (v.name.isEmpty())
-                out += u'@';
+                out += '@';
             else
-                out += u'"' % escapeForRegedit(v.name) % u'"';
-            out += u"=\"" % escapeForRegedit(v.data) % u"\"\r\n";
+                out += '"' + escapeForRegedit(v.name).toUtf8() + '"';
+            out += '=';
+            if (v.raw.isEmpty())
+                out += '"' + escapeForRegedit(v.data).toUtf8() + '"';
+            else
+                out += v.raw;
+            out += "\r\n";
         }
+        for (const QByteArray& line : key.otherLines)
+            out += line + "\r\n";
     }
-    return out.toUtf8();
+    return out;
 }

@@ -1,14 +1,16 @@
 #include "modRegistry.h"
 
+#include "FileRecord.h"
 #include "PathUtils.h"
 #include "RegText.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-#include <QStandardPaths>
+#include <QLockFile>
+#include <QThread>
 #include <algorithm>
 #include <optional>
 
@@ -18,6 +20,14 @@ namespace {
 const QString kRoot = QStringLiteral("HKEY_CURRENT_USER\\");
 const QString kGameKeys = QStringLiteral("Software\\Cryptic\\");
 constexpr qsizetype kLongestReadableValue = 1023;
+// A store is a few kilobytes; a file far larger is not read.
+constexpr qint64 kLargestStore = 64LL * 1024 * 1024;
+// A Wine hive is a few megabytes at most.
+constexpr qint64 kLargestHive = 256LL * 1024 * 1024;
+// How long a change waits for another Kelvaris (the window and a randomizer
+// run, say) to finish its own.
+constexpr int kLockWaitMs = 10000;
+constexpr int kLockRetryMs = 5;
 
 // The store as it stands on disk. `readable` is false when a file exists that
 // this process may not read; nothing is then written over it.
@@ -46,16 +56,14 @@ void keepAside(const QString& path) {
 Store loadStore() {
     Store store;
     const QString path = StoreFilePath();
-    QFile file(path);
-    if (!file.exists())
+    if (!QFileInfo::exists(path))
         return store;
-    if (!file.open(QIODevice::ReadOnly)) {
+    const std::optional<QByteArray> bytes = ReadRegularFile(path, kLargestStore);
+    if (!bytes) {
         store.readable = false;
         return store;
     }
-    const QByteArray bytes = file.readAll();
-    file.close();
-    if (auto doc = ParseRegedit4(bytes)) {
+    if (auto doc = ParseRegedit4(*bytes)) {
         store.doc = std::move(*doc);
     } else {
         keepAside(path);
@@ -66,24 +74,36 @@ Store loadStore() {
 }
 
 bool saveStore(const RegDocument& doc) {
-    const QString path = StoreFilePath();
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(WriteRegedit4(doc));
-    return file.commit();
+    return WriteFileAtomically(StoreFilePath(), WriteRegedit4(doc));
 }
+
+// Holds the lock file beside the store while a change reads, edits and
+// rewrites it, so that two Kelvaris processes never lose each other's values.
+// A lock left by a process that no longer runs is taken over.
+class StoreLock {
+public:
+    StoreLock() : lock_(StoreFilePath() + QStringLiteral(".lock")) {
+        QDir().mkpath(QFileInfo(StoreFilePath()).absolutePath());
+        // Retried often rather than with QLockFile's long back-off: a change
+        // takes milliseconds.
+        const QDeadlineTimer deadline(kLockWaitMs);
+        while (!(locked_ = lock_.tryLock(0)) && !deadline.hasExpired())
+            QThread::msleep(kLockRetryMs);
+    }
+    bool Locked() const { return locked_; }
+
+private:
+    QLockFile lock_;
+    bool locked_ = false;
+};
 
 std::optional<QString> wineValue(const QString& KeyName, const QString& ValueName) {
     const QString prefix = WinePrefix();
-    QFile hive(prefix + QStringLiteral("/user.reg"));
-    if (!hive.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> hive =
+        ReadRegularFile(prefix + QStringLiteral("/user.reg"), kLargestHive);
+    if (!hive)
         return std::nullopt;
-    // A hive is a few megabytes at most; refuse anything absurd.
-    if (hive.size() > 256 * 1024 * 1024)
-        return std::nullopt;
-    const RegDocument doc = ParseWineHive(hive.readAll());
+    const RegDocument doc = ParseWineHive(*hive);
     const RegKey* key = doc.findKey(KeyName);
     if (!key)
         return std::nullopt;
@@ -126,6 +146,11 @@ QString WindowsPathToLinux(const QString& windowsPath, const QString& prefix) {
 }
 
 long CreateKey(const QString& KeyName) {
+    if (!IsStorableText(KeyName))
+        return 0;
+    const StoreLock lock;
+    if (!lock.Locked())
+        return 0;
     Store store = loadStore();
     if (!store.readable)
         return 0;
@@ -152,6 +177,12 @@ QString QueryValue(const QString& KeyName, const QString& ValueName) {
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value) {
     // Only spaces count as blank, as the store has always trimmed them alone.
     const bool blank = std::all_of(Value.cbegin(), Value.cend(), [](QChar c) { return c == u' '; });
+    // What the file could not give back as it was given is never stored.
+    if (!IsStorableText(KeyName) || !IsStorableText(ValueName) || !IsStorableText(Value))
+        return false;
+    const StoreLock lock;
+    if (!lock.Locked())
+        return false;
     Store store = loadStore();
     if (!store.readable)
         return false;

@@ -5,7 +5,12 @@
 // Kelvaris's settings: text values under keys such as "Software\CohKelvaris",
 // kept in a per-user REGEDIT4 file ($XDG_CONFIG_HOME/kelvaris/registry.reg).
 // Every call reads the file afresh and every change replaces it atomically, so
-// nothing is cached and a crash never leaves a half-written store.
+// nothing is cached and a crash or a full disk never leaves a half-written
+// store. Changes run under a lock file beside the store, so two Kelvaris
+// processes never lose each other's values. Reading keeps what it does not
+// understand (other value types, lines it cannot read) and writes it back
+// unchanged; only a file that is no REGEDIT4 text at all is moved aside as
+// "registry.reg.unreadable-<date>".
 //
 // The game's own keys under "Software\Cryptic\" are looked up in the store
 // first and, when absent there, read from the Wine prefix's user.reg
@@ -28,7 +33,9 @@ QString QueryValue(const QString& KeyName, const QString& ValueName);
 
 // Stores Value untrimmed; a Value that is blank once trimmed of spaces deletes
 // the value instead (a missing key is then not created). True when the store
-// was changed as asked.
+// was changed as asked; false, with nothing written, when a name or the
+// Value holds a line break, NUL or other control character (the file could
+// not give it back), or when the store could not be written.
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value);
 
 // A Windows path of the prefix ("C:\Games\CoH") as the Linux path Wine maps it

@@ -1,5 +1,7 @@
 #include "FfmpegDecoder.h"
 
+#include "app/FileRecord.h"
+
 #include <QFile>
 #include <algorithm>
 #include <cstring>
@@ -56,9 +58,17 @@ bool FfmpegDecoder::OpenStream(const QString& FileName) {
     CloseStream();
     if (pluginCount_ <= 0 || FileName.isEmpty())
         return false;
+    // A FIFO or a device would block or never end.
+    if (!IsRegularFile(FileName))
+        return false;
     const QByteArray name = QFile::encodeName(FileName);
+    format_ = avformat_alloc_context();
+    if (!format_)
+        return false;
+    format_->interrupt_callback = {&FfmpegDecoder::interruptReading, this};
+    positionAtLastSound_ = 0;
     if (avformat_open_input(&format_, name.constData(), nullptr, nullptr) < 0) {
-        format_ = nullptr;
+        format_ = nullptr; // freed by the failed call
         return false;
     }
     const AVCodec* decoder = nullptr;
@@ -149,11 +159,18 @@ int FfmpegDecoder::Read(void* Buffer, int Maximum) {
     return int(written);
 }
 
+int FfmpegDecoder::interruptReading(void* decoder) {
+    const auto* self = static_cast<const FfmpegDecoder*>(decoder);
+    const AVIOContext* io = self->format_ ? self->format_->pb : nullptr;
+    return io && io->pos - self->positionAtLastSound_ > kMostBytesWithoutSound ? 1 : 0;
+}
+
 bool FfmpegDecoder::decodeMore() {
     int badPackets = 0;
     for (;;) {
         const int received = avcodec_receive_frame(codec_, frame_);
         if (received >= 0) {
+            positionAtLastSound_ = format_->pb ? format_->pb->pos : 0;
             const bool converted = convertFrame(frame_);
             av_frame_unref(frame_);
             if (converted && !pending_.empty())
@@ -262,6 +279,7 @@ void FfmpegDecoder::Seek(int Milliseconds, int) {
     const int64_t target = av_rescale_q(std::max(Milliseconds, 0), AVRational{1, 1000},
                                         format_->streams[streamIndex_]->time_base);
     av_seek_frame(format_, streamIndex_, target, AVSEEK_FLAG_BACKWARD);
+    positionAtLastSound_ = format_->pb ? format_->pb->pos : 0;
     avcodec_flush_buffers(codec_);
     swr_free(&resampler_);
     decoderDrained_ = false;

@@ -15,7 +15,10 @@ struct SwrContext;
 // SoundDecoder on FFmpeg: whatever container and codec FFmpeg reads, any
 // sample format, rate and channel layout in; 16-bit interleaved PCM out at
 // the source's rate, downmixed to stereo when the source has more than two
-// channels. FFmpeg's own log is silenced.
+// channels. FFmpeg's own log is silenced. Only regular files are opened, and
+// reading stops once far more of the file has gone by without a decoded
+// frame than any real stream needs (kMostBytesWithoutSound): a large file of
+// noise that only looks like a sound ends quickly, in bounded memory.
 class FfmpegDecoder : public SoundDecoder {
 public:
     FfmpegDecoder();
@@ -34,7 +37,12 @@ public:
     int GetTrackTotalTime() override;
     int GetPluginCount() override { return pluginCount_; }
 
+    // Bytes of a file that may pass without one decoded frame, from the start
+    // (probing) or between two frames.
+    static constexpr int64_t kMostBytesWithoutSound = 32LL * 1024 * 1024;
+
 private:
+    static int interruptReading(void* decoder);
     bool decodeMore();
     bool convertFrame(const AVFrame* frame);
     bool configureResampler(const AVFrame* frame);
@@ -50,6 +58,7 @@ private:
     int channels_ = 0;
     int64_t declaredMs_ = 0; // 0 when the container does not say
     int64_t deliveredFrames_ = 0;
+    int64_t positionAtLastSound_ = 0; // file position when the last frame came
     bool decoderDrained_ = false;
     bool endSent_ = false; // the end of input was signalled to the decoder
     bool resamplerFlushed_ = false;

@@ -1,12 +1,13 @@
 #include "MusicWriter.h"
 
 #include "MusicTables.h"
+#include "app/FileRecord.h"
+#include "app/GameFolders.h"
 #include "app/PathUtils.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSet>
+#include <vector>
 
 namespace {
 
@@ -15,20 +16,24 @@ constexpr qint64 kCopyBlockBytes = 16384;
 } // namespace
 
 bool CopySoundFile(const QString& Source, const QString& Target) {
-    QFile source(Source);
-    if (!QFileInfo(Source).isFile() || !source.open(QIODevice::ReadOnly))
+    FileRecord source = OpenFileRecord(Source, kGenericRead, kShareRead, kOpenExisting);
+    if (source.Handle == -1)
         return false;
-    QSaveFile target(ResolveExistingCase(Target));
-    if (!target.open(QIODevice::WriteOnly))
+    FileRecord target = OpenReplacingFileRecord(ResolveExistingCase(Target));
+    if (target.Handle == -1) {
+        CloseFileRecord(source);
         return false;
-    char block[kCopyBlockBytes];
-    for (;;) {
-        const qint64 got = source.read(block, kCopyBlockBytes);
-        if (got <= 0)
-            break;
-        target.write(block, got);
     }
-    return target.commit();
+    std::vector<char> block(kCopyBlockBytes);
+    for (;;) {
+        const qint64 got = ReadFileBytes(source, block.data(), kCopyBlockBytes);
+        if (got < 0)
+            target.Failed = true;
+        if (got <= 0 || WriteFileBytes(target, block.data(), got) != got)
+            break;
+    }
+    CloseFileRecord(source);
+    return CommitFileRecord(target);
 }
 
 bool WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBoxStates& boxes) {
@@ -46,8 +51,11 @@ bool WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBo
             continue;
         // Every file is tried even after one failed.
         bool allWritten = true;
-        for (const QString& file : target.files)
-            allWritten = CopySoundFile(Source, GameFolder + u'/' + file) && allWritten;
+        for (const QString& file : target.files) {
+            const QString path = GameFolder + u'/' + file;
+            allWritten = LiesBelow(path, GameFolder, kMusicFolder) && CopySoundFile(Source, path) &&
+                         allWritten;
+        }
         if (allWritten)
             boxes[target.box] = Qt::PartiallyChecked;
     }

@@ -6,8 +6,9 @@
 
 // Copies Source to Target in blocks of 16384 bytes. The copy is written under
 // a temporary name beside the target and renamed into place when complete,
-// so a failed copy never leaves a half-written game file. False when the
-// source cannot be read or the target cannot be written.
+// so a failed copy (a full disk) never leaves a half-written game file: the
+// old file stays. False when the source is not a regular file or cannot be
+// read, or the target cannot be written whole.
 bool CopySoundFile(const QString& Source, const QString& Target);
 
 // The state of each Music tab check box, by objectName: unticked, ticked, or

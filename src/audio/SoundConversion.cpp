@@ -50,7 +50,8 @@ bool ConvertSound(clsWinampPlugin& decoder, clsEncoderOGG& encoder, BusyHost& bu
         }
         result = !busy.CancelRequested();
     }
-    encoder.CloseStream();
+    // A file cut short by a full disk is no conversion.
+    result = encoder.CloseStream() && result;
     decoder.CloseFile();
     return result;
 }

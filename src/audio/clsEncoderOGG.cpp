@@ -90,6 +90,7 @@ bool clsEncoderOGG::InitStream(int32_t SampleRate, int16_t Channels, const QStri
     output_ = std::fopen(QFile::encodeName(FileName).constData(), "wb");
     if (!output_)
         return false;
+    writeFailed_ = false;
 
     state_ = std::make_unique<StateBlocks>();
     StateBlocks& s = *state_;
@@ -166,12 +167,13 @@ bool clsEncoderOGG::CloseStream() {
     VORBIS(vorbis_analysis_wrote, &s.dsp, 0);
     drainBlocks();
     clearLibraryState();
-    std::fclose(output_);
+    const bool flushed = std::fflush(output_) == 0;
+    const bool closed = std::fclose(output_) == 0;
     output_ = nullptr;
     freeStateBlocks();
     channels_ = 0;
     sampleRate_ = 0;
-    return true;
+    return flushed && closed && !writeFailed_;
 }
 
 void clsEncoderOGG::clearLibraryState() {
@@ -200,8 +202,11 @@ bool clsEncoderOGG::writePages(bool force) {
                                : resultOr(OGG(ogg_stream_pageout, &s.stream, &s.page), 0);
         if (more == 0)
             break;
-        std::fwrite(s.page.header, 1, size_t(s.page.header_len), output_);
-        std::fwrite(s.page.body, 1, size_t(s.page.body_len), output_);
+        if (std::fwrite(s.page.header, 1, size_t(s.page.header_len), output_) !=
+                size_t(s.page.header_len) ||
+            std::fwrite(s.page.body, 1, size_t(s.page.body_len), output_) !=
+                size_t(s.page.body_len))
+            writeFailed_ = true;
     }
     return true;
 }

@@ -39,7 +39,8 @@ public:
     // and at most 65534 bytes; BytesTaken is set to ByteCount on success.
     bool EncodeStream(const void* Data, int32_t ByteCount, int32_t& BytesTaken);
 
-    // Ends the stream and closes the file; false when nothing was open.
+    // Ends the stream and closes the file; false when nothing was open, or
+    // when any of the file could not be written (a full disk).
     bool CloseStream();
 
     // The serial number of the stream most recently started.
@@ -62,6 +63,8 @@ private:
     int32_t nominalBitRate_ = 0; // kept with the settings; the VBR mode does not read it
     bool librariesBound_ = false;
     std::FILE* output_ = nullptr;
+    // A page could not be written whole (a full disk): the file is unusable.
+    bool writeFailed_ = false;
     int16_t channels_ = 0;
     int32_t sampleRate_ = 0;
     int serial_ = 0;

@@ -1,9 +1,9 @@
 #include "PictureDecoder.h"
 
 #include "TgaDecoder.h"
+#include "app/FileRecord.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QImageReader>
 #include <QtEndian>
 #include <array>
@@ -83,13 +83,12 @@ bool isPictureFormat(const QByteArray& format) {
 } // namespace
 
 QImage DecodePicture(const QString& FileName) {
-    QFile file(FileName);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > kMaxDecodedBytes)
+    // Only a regular file is read, and never more than the largest picture
+    // could need: a FIFO or a device would block or never end.
+    const std::optional<QByteArray> read = ReadRegularFile(FileName, kMaxDecodedBytes);
+    if (!read || read->isEmpty())
         return {};
-    const QByteArray data = file.readAll();
-    file.close();
-    if (data.isEmpty())
-        return {};
+    const QByteArray& data = *read;
 
     // TGA has no signature, and Qt's reader only takes files that carry the
     // later revision's footer: a name ending in .tga goes to the TGA

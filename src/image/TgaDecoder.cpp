@@ -54,6 +54,30 @@ int atEnd(void* user) {
     return source->position >= source->data.size() ? 1 : 0;
 }
 
+// Whether the data can hold the picture the header declares, which is
+// known before any pixel memory is taken: uncompressed pixels all stand in
+// the file, and a run-length packet gives at most 128 pixels for one byte
+// and one pixel value. A few hundred bytes claiming a huge picture are
+// refused at once instead of costing its whole memory.
+bool mayHoldPicture(const QByteArray& data, qint64 width, qint64 height) {
+    constexpr qsizetype kHeaderBytes = 18;
+    if (data.size() < kHeaderBytes)
+        return false;
+    const auto byteAt = [&data](qsizetype at) { return quint8(data[at]); };
+    const int imageType = byteAt(2);
+    const qint64 mapLength = byteAt(5) | (byteAt(6) << 8);
+    const qint64 mapEntryBytes = (byteAt(7) + 7) / 8;
+    const qint64 pixelBytes = qMax(1, (byteAt(16) + 7) / 8);
+    const qint64 start = kHeaderBytes + byteAt(0) + (byteAt(1) ? mapLength * mapEntryBytes : 0);
+    const qint64 available = data.size() - start;
+    const qint64 pixels = width * height;
+    if (available <= 0)
+        return false;
+    if (imageType >= 9) // run-length encoded
+        return (pixels + 127) / 128 * (1 + pixelBytes) <= available;
+    return pixels * pixelBytes <= available;
+}
+
 } // namespace
 
 QImage DecodeTga(const QByteArray& data, qint64 maxBytes) {
@@ -64,7 +88,8 @@ QImage DecodeTga(const QByteArray& data, qint64 maxBytes) {
         if (!stbi_info_from_callbacks(&callbacks, &probe, &width, &height, &channels))
             return {};
     }
-    if (width <= 0 || height <= 0 || qint64(width) * height * 4 > maxBytes)
+    if (width <= 0 || height <= 0 || qint64(width) * height * 4 > maxBytes ||
+        !mayHoldPicture(data, width, height))
         return {};
 
     MemorySource source{data};

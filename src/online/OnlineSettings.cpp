@@ -3,6 +3,7 @@
 #include "app/NumberText.h"
 #include "app/PathUtils.h"
 #include "app/modRegistry.h"
+#include "texture/Catalogue.h"
 
 #include <limits>
 
@@ -65,5 +66,5 @@ OnlineSlotTarget ReadSlotTarget(int Slot) {
 }
 
 bool IsContainedTarget(const OnlineSlotTarget& Target) {
-    return IsContainedRelative(Target.Path) && IsContainedRelative(Target.File);
+    return IsSafeCatalogueEntry(Target.Path, Target.File);
 }

@@ -43,6 +43,7 @@ struct OnlineSlotTarget {
 };
 OnlineSlotTarget ReadSlotTarget(int Slot);
 
-// True when the target's folder and file name stay inside the game's data
-// folder (no "..", no absolute path, neither empty).
+// True when the target's folder lies below the game's data/texture_library
+// and its file name is a plain name (no "..", no absolute path, neither
+// empty, no control character).
 bool IsContainedTarget(const OnlineSlotTarget& Target);

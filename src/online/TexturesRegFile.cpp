@@ -1,13 +1,14 @@
 #include "TexturesRegFile.h"
 
 #include "OnlineSettings.h"
+#include "app/FileRecord.h"
 #include "app/PathUtils.h"
 #include "app/RegText.h"
 #include "app/UiServices.h"
 #include "app/modRegistry.h"
+#include "texture/Catalogue.h"
 
-#include <QFile>
-#include <QSaveFile>
+#include <QFileInfo>
 #include <array>
 #include <optional>
 
@@ -49,7 +50,7 @@ std::optional<RegValue> parseExportedLine(const QString& line) {
         middle + separator.size() > line.size() - 1)
         return std::nullopt;
     const qsizetype dataStart = middle + separator.size();
-    return RegValue{line.mid(1, middle - 1), line.mid(dataStart, line.size() - 1 - dataStart)};
+    return RegValue{line.mid(1, middle - 1), line.mid(dataStart, line.size() - 1 - dataStart), {}};
 }
 
 QStringList fileLines(const QByteArray& bytes) {
@@ -70,10 +71,16 @@ QString slotRefusal(int slot, const QList<std::pair<OnlineValue, QString>>& valu
             return QStringLiteral("Online slot %1 was not imported: its value %2 is too long.")
                 .arg(slot)
                 .arg(OnlineValueName(value, slot));
-        const bool names = value == OnlineValue::Path || value == OnlineValue::File;
-        if (names && !data.isEmpty() && !IsContainedRelative(data))
+        if (!IsStorableText(data))
+            return QStringLiteral("Online slot %1 was not imported: its value %2 holds a line "
+                                  "break or another control character.")
+                .arg(slot)
+                .arg(OnlineValueName(value, slot));
+        const bool outside = (value == OnlineValue::Path && !IsTextureFolder(data)) ||
+                             (value == OnlineValue::File && !IsContainedRelative(data));
+        if (!data.isEmpty() && outside)
             return QStringLiteral("Online slot %1 was not imported: its texture would lie outside "
-                                  "the game's data folder.")
+                                  "the game's data/texture_library folder.")
                 .arg(slot);
     }
     return {};
@@ -97,11 +104,7 @@ QByteArray TexturesRegText(const QStringList& Links) {
 }
 
 bool ExportOnlineTextures(const QString& FileName, const QStringList& Links) {
-    QSaveFile file(FileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(TexturesRegText(Links));
-    return file.commit();
+    return WriteFileAtomically(FileName, TexturesRegText(Links));
 }
 
 void AskAndExportOnlineTextures(UiServices& ui, const QStringList& Links) {
@@ -112,16 +115,21 @@ void AskAndExportOnlineTextures(UiServices& ui, const QStringList& Links) {
 
 TexturesImport ImportOnlineTextures(const QString& FileName) {
     TexturesImport result;
-    QFile file(FileName);
-    if (!file.open(QIODevice::ReadOnly)) {
-        result.problems << QStringLiteral("The file could not be read.");
+    const QFileInfo info(FileName);
+    if (info.exists() && !info.isFile()) {
+        result.problems << QStringLiteral("The file is not a regular file. Nothing was imported.");
         return result;
     }
-    if (file.size() > kMaxImportBytes) {
+    if (info.size() > kMaxImportBytes) {
         result.problems << QStringLiteral("The file is far too large to hold online textures.");
         return result;
     }
-    const QByteArray bytes = file.readAll();
+    const std::optional<QByteArray> read = ReadRegularFile(FileName, kMaxImportBytes);
+    if (!read) {
+        result.problems << QStringLiteral("The file could not be read.");
+        return result;
+    }
+    const QByteArray& bytes = *read;
     const QStringList lines = fileLines(bytes);
     qsizetype first = 0;
     while (first < lines.size() && lines[first].trimmed().isEmpty())
@@ -136,6 +144,7 @@ TexturesImport ImportOnlineTextures(const QString& FileName) {
     std::array<QList<std::pair<OnlineValue, QString>>, kDownloadSlots> slotValues;
     int unreadable = 0;
     int foreign = 0;
+    int unstored = 0;
     bool inKey = false;
     for (qsizetype i = first + 1; i < lines.size(); ++i) {
         const QString& line = lines[i];
@@ -169,10 +178,18 @@ TexturesImport ImportOnlineTextures(const QString& FileName) {
             continue;
         }
         for (const auto& [value, data] : values) {
-            modRegistry::SetValue(kSettingsKey, OnlineValueName(value, slot), data);
+            if (!modRegistry::SetValue(kSettingsKey, OnlineValueName(value, slot), data) &&
+                !data.trimmed().isEmpty()) {
+                ++unstored;
+                continue;
+            }
             ++result.merged;
         }
     }
+    if (unstored > 0)
+        result.problems << QStringLiteral("%1 value(s) could not be written to the settings "
+                                          "(is the disk full?); the import failed for them.")
+                               .arg(unstored);
     if (unreadable > 0)
         result.problems << QStringLiteral("%1 line(s) of the file are not registry values and "
                                           "were skipped.")

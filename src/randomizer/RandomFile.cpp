@@ -2,8 +2,10 @@
 
 #include "app/Clock.h"
 #include "app/modRegistry.h"
+#include "texture/TextureWriter.h"
 
 #include <QDirIterator>
+#include <QFileInfo>
 #include <random>
 
 namespace {
@@ -17,7 +19,12 @@ QStringList ListLibraryImages(const QString& Folder, int limit) {
     QDirIterator it(Folder, {QStringLiteral("*.dds")}, QDir::Files | QDir::NoDotAndDotDot);
     while (names.size() < limit && it.hasNext()) {
         it.next();
-        names << it.fileName();
+        // Only what can be a prepared picture: a regular file (or a link to
+        // one) that holds at least a DDS header and is not absurdly large.
+        const QFileInfo entry = it.fileInfo();
+        if (entry.isFile() && entry.size() >= kSmallestLibraryEntry &&
+            entry.size() <= kLargestLibraryEntry)
+            names << it.fileName();
     }
     return names;
 }

@@ -10,7 +10,9 @@ constexpr int kLibraryListLimit = 30001;
 
 // The ".dds" files of Folder (any letter case of the extension; hidden files
 // and folders left out), in the order the directory lists them, at most
-// `limit` of them.
+// `limit` of them. Only regular files (or links to them) of a library
+// entry's possible size count: a FIFO, a device or a 0-byte file is never
+// picked.
 QStringList ListLibraryImages(const QString& Folder, int limit = kLibraryListLimit);
 
 // A uniform random number in [0, 1).

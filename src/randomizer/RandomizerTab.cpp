@@ -7,9 +7,9 @@
 #include "app/UiServices.h"
 #include "image/FrameOverlay.h"
 #include "image/ImageOpenDialog.h"
+#include "texture/FormTextureWrite.h"
 #include "texture/ScreenTargets.h"
 #include "texture/ScreensTab.h"
-#include "texture/FormTextureWrite.h"
 
 #include <QCheckBox>
 #include <QFileInfo>

@@ -1,6 +1,7 @@
 #include "Catalogue.h"
 
 #include "app/PathUtils.h"
+#include "app/RegText.h"
 
 #include <QDir>
 
@@ -13,13 +14,19 @@ QString SlashToBackslash(const QString& Text) {
     return QDir::toNativeSeparators(Text);
 }
 
+bool IsTextureFolder(const QString& folder) {
+    const QString firstComponent = QString(folder).replace(u'\\', u'/').section(u'/', 0, 0);
+    return IsContainedRelative(folder) && IsStorableText(folder) &&
+           firstComponent.compare(QStringLiteral("texture_library"), Qt::CaseInsensitive) == 0;
+}
+
 bool IsSafeCatalogueEntry(const QString& folder, const QString& file) {
-    return IsContainedRelative(folder) && IsContainedRelative(file) && !file.contains(u'/') &&
-           !file.contains(u'\\');
+    return IsTextureFolder(folder) && IsContainedRelative(file) && IsStorableText(file) &&
+           !file.contains(u'/') && !file.contains(u'\\');
 }
 
 QString TextureSaveFolder(const QString& gameFolder, const QString& folder) {
-    if (gameFolder.isEmpty() || !IsContainedRelative(folder))
+    if (gameFolder.isEmpty() || !IsTextureFolder(folder))
         return {};
     return ResolveExistingCase(gameFolder + QStringLiteral("/data/") + SlashToBackslash(folder) +
                                u'/');

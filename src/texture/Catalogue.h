@@ -29,16 +29,21 @@ QString CatalogueListLine(const QString& name, int width, int height);
 // working on both.
 QString SlashToBackslash(const QString& Text);
 
-// True when a catalogue folder and file name stay inside the game's data
-// folder: the folder is a contained relative path, the file a plain name.
+// True when a catalogue folder names a folder below the game's
+// "data/texture_library" (the first component "texture_library" in any
+// letter case, no "." or ".." and not absolute) and the file is a plain name.
+// Neither may hold a line break or other control character.
 bool IsSafeCatalogueEntry(const QString& folder, const QString& file);
+
+// The folder rule alone.
+bool IsTextureFolder(const QString& folder);
 
 // The folder a texture of `folder` is written into: game folder, "/data/",
 // the folder and a final "/", with existing folders reused whatever their
-// letter case. "" when the folder would leave the game's data folder.
+// letter case. "" when the folder is not below "data/texture_library".
 QString TextureSaveFolder(const QString& gameFolder, const QString& folder);
 
 // The game file of a texture: game folder + "/data/" + folder + "/" + file +
 // ".texture", matched to existing names without regard to letter case. ""
-// when the folder or file would leave the game's data folder.
+// when the folder or file is refused by IsSafeCatalogueEntry.
 QString TextureGameFile(const QString& gameFolder, const QString& folder, const QString& file);

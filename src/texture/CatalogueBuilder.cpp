@@ -1,6 +1,7 @@
 #include "CatalogueBuilder.h"
 
 #include "app/BusyHost.h"
+#include "app/FileRecord.h"
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
 #include "texture/CatalogueWriter.h"
@@ -120,9 +121,9 @@ private:
 bool Builder::readDirectories() {
     host_.SetBusy(true, true, archives_.size(), QStringLiteral("Reading the game's archives..."));
     for (int a = 0; a < archives_.size(); ++a) {
-        QFile file(archives_[a]);
+        QFile file;
         ArchiveDirectory directory;
-        if (file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        if (OpenRegularFile(file, archives_[a]))
             directory = ReadArchiveDirectory(file);
         else
             directory.error = QStringLiteral("could not be opened.");
@@ -173,8 +174,7 @@ bool Builder::readSizes() {
         const FoundTexture& texture = pending_[i];
         if (file.fileName() != archives_[texture.archive]) {
             file.close();
-            file.setFileName(archives_[texture.archive]);
-            if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+            if (!OpenRegularFile(file, archives_[texture.archive])) {
                 ++unreadable_;
                 continue;
             }
@@ -208,7 +208,7 @@ QStringList FindGameArchives(const QString& gameFolder) {
     QDirIterator it(gameFolder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
-        if (path.endsWith(QStringLiteral(".pigg"), Qt::CaseInsensitive))
+        if (path.endsWith(QStringLiteral(".pigg"), Qt::CaseInsensitive) && it.fileInfo().isFile())
             archives.append(path);
     }
     std::sort(archives.begin(), archives.end(), lessByName);

@@ -1,8 +1,9 @@
 #include "CatalogueReader.h"
 
+#include "app/FileRecord.h"
+#include "app/RegText.h"
 #include "texture/InputFields.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -141,7 +142,7 @@ CatalogueContents CatalogueParser::Parse() {
                     continue;
                 // Every category is checked, so the message is the same
                 // whichever category is selected.
-                if (entry.width <= 0 || entry.height <= 0 ||
+                if (entry.width <= 0 || entry.height <= 0 || !IsStorableText(entry.name) ||
                     !IsSafeCatalogueEntry(entry.folder, entry.file))
                     refuse(entry);
                 else if (keep)
@@ -157,27 +158,32 @@ CatalogueContents CatalogueParser::Parse() {
         problems.append(error_);
     if (refused_ > 0)
         problems.append(QStringLiteral("The texture catalogue \"%1\" lists %2 texture(s) whose "
-                                       "folder or file name leaves the game's data folder or "
-                                       "whose size is not positive; they were left out. The "
-                                       "first is %3.")
+                                       "folder is not below the game's data/texture_library, "
+                                       "whose name, folder or file name holds a line break or "
+                                       "leaves that folder, or whose size is not positive; "
+                                       "they were left out. The first is %3.")
                             .arg(fileName_, QString::number(refused_), firstRefused_));
     contents.error = problems.join(u'\n');
     return contents;
 }
 
 CatalogueContents parseFile(const QString& fileName, int keep) {
-    QFile file(fileName);
-    if (!QFileInfo(fileName).isFile())
+    const QFileInfo info(fileName);
+    if (!info.exists())
         return {{}, QStringLiteral("The texture catalogue \"%1\" was not found.").arg(fileName)};
-    if (file.size() > kMaxCatalogueBytes)
+    if (!info.isFile())
+        return {
+            {},
+            QStringLiteral("The texture catalogue \"%1\" is not a regular file.").arg(fileName)};
+    if (info.size() > kMaxCatalogueBytes)
         return {
             {},
             QStringLiteral("The texture catalogue \"%1\" is too large to be one.").arg(fileName)};
-    if (!file.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> text = ReadRegularFile(fileName, kMaxCatalogueBytes);
+    if (!text)
         return {{},
-                QStringLiteral("The texture catalogue \"%1\" could not be opened: %2")
-                    .arg(fileName, file.errorString())};
-    return CatalogueParser(file.read(kMaxCatalogueBytes), fileName, keep).Parse();
+                QStringLiteral("The texture catalogue \"%1\" could not be read.").arg(fileName)};
+    return CatalogueParser(*text, fileName, keep).Parse();
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "CatalogueWriter.h"
 
+#include "app/FileRecord.h"
 #include "app/PathUtils.h"
 
 #include <QDir>
-#include <QSaveFile>
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -61,9 +63,8 @@ QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& 
                     quoted(entry.file) + "\r\n";
     }
     QDir().mkpath(ReturnPath(fileName));
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
+    if (!WriteFileAtomically(fileName, text))
         return QStringLiteral("The texture catalogue \"%1\" could not be written: %2")
-            .arg(fileName, file.errorString());
+            .arg(fileName, QString::fromLocal8Bit(std::strerror(errno)));
     return {};
 }

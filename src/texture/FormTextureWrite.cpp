@@ -18,8 +18,8 @@ TextureContext FormTextureContext(Form1& form) {
 
 bool WriteFormTexture(Form1& form, const QString& SavePath, const QString& SaveFile,
                       const QString& FileName, const cDIBSection& cDib, long Width, long Height,
-                      bool Texture, long texWidth, long texHeight, const QString& texPath, bool Alpha,
-                      const cDIBSection* cDibAlpha, bool IsLoginScreen) {
+                      bool Texture, long texWidth, long texHeight, const QString& texPath,
+                      bool Alpha, const cDIBSection* cDibAlpha, bool IsLoginScreen) {
     const bool written = WriteTexture(SavePath, SaveFile, FileName, cDib, Width, Height, Texture,
                                       texWidth, texHeight, texPath, Alpha, cDibAlpha, IsLoginScreen,
                                       FormTextureContext(form), form, form.Ui());

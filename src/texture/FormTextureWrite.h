@@ -22,5 +22,5 @@ TextureContext FormTextureContext(Form1& form);
 // on a false result.
 bool WriteFormTexture(Form1& form, const QString& SavePath, const QString& SaveFile,
                       const QString& FileName, const cDIBSection& cDib, long Width, long Height,
-                      bool Texture, long texWidth, long texHeight, const QString& texPath, bool Alpha,
-                      const cDIBSection* cDibAlpha, bool IsLoginScreen);
+                      bool Texture, long texWidth, long texHeight, const QString& texPath,
+                      bool Alpha, const cDIBSection* cDibAlpha, bool IsLoginScreen);

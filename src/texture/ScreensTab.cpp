@@ -159,10 +159,10 @@ void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarg
         images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
     const QString file = QString::fromLatin1(target.file);
-    const bool written =
-        WriteFormTexture(form_, form_.GameFolder() + QString::fromLatin1(target.folder), file, file,
-                         *images_.outputImage, kScreenTextureSize, kScreenTextureSize, true, kScreenWidth,
-                         kScreenHeight, QString::fromLatin1(target.texPath), false, nullptr, true);
+    const bool written = WriteFormTexture(
+        form_, form_.GameFolder() + QString::fromLatin1(target.folder), file, file,
+        *images_.outputImage, kScreenTextureSize, kScreenTextureSize, true, kScreenWidth,
+        kScreenHeight, QString::fromLatin1(target.texPath), false, nullptr, true);
     if (!written)
         form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
     button->setEnabled(true);

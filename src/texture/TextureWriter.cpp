@@ -1,7 +1,8 @@
 #include "TextureWriter.h"
 
-#include "FileRecord.h"
 #include "app/BusyHost.h"
+#include "app/FileRecord.h"
+#include "app/GameFolders.h"
 #include "app/PathUtils.h"
 #include "app/UiServices.h"
 #include "image/cDIBSection.h"
@@ -68,14 +69,14 @@ QString shellQuoted(const QString& text) {
     return u'\'' + quoted + u'\'';
 }
 
-// True when `path` names something inside `folder` (both made absolute and
-// clean), which is where every texture must go.
-bool insideFolder(const QString& path, const QString& folder) {
-    if (folder.isEmpty())
-        return false;
-    const QString root = QDir::cleanPath(QDir(folder).absolutePath());
-    const QString target = QDir::cleanPath(QDir(path).absolutePath());
-    return target.startsWith(root + u'/');
+// Textures go below the game's data/texture_library, library entries below
+// its Kelvaris/RandomHL and Kelvaris/RandomHC, whatever a catalogue, the
+// settings or an imported file say.
+bool isWritableFolder(const QString& SavePath, const QString& gameFolder, bool Texture) {
+    if (Texture)
+        return LiesBelow(SavePath, gameFolder, kTextureFolder);
+    return LiesBelow(SavePath, gameFolder, kLibraryFolders[0]) ||
+           LiesBelow(SavePath, gameFolder, kLibraryFolders[1]);
 }
 
 bool isPlainName(const QString& name) {
@@ -184,7 +185,7 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
                   bool IsLoginScreen, const TextureContext& context, BusyHost& busy,
                   UiServices& ui) {
     if (cDib.IsEmpty() || Width <= 0 || Height <= 0 || !isPlainName(FileName) ||
-        !insideFolder(SavePath, context.gameFolder))
+        !isWritableFolder(SavePath, context.gameFolder, Texture))
         return false;
 
     MakePath(SavePath);
@@ -206,9 +207,15 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
         if (tga.Handle == -1)
             return false;
         WriteImageFile(tga, cDib, Width, Height, Alpha, cDibAlpha, true, busy);
+        CloseFileRecord(tga);
+        // A picture cut short by a full disk would be compressed as it is.
+        if (tga.Failed) {
+            removeQuietly(tgaFile);
+            busy.SetBusy(false, false, 0, QString());
+            return false;
+        }
         busy.SetProgressMaximum(100);
         busy.ShowProgress(0, compressing);
-        CloseFileRecord(tga);
 
         // A result left over from an earlier failed run must not pass for
         // this one's.
@@ -288,6 +295,11 @@ bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const 
     FileRecord source = OpenFileRecord(SourceFile, kGenericRead, kShareRead, kOpenExisting);
     if (source.Handle == -1)
         return false;
+    const qint64 sourceLength = FileRecordLength(source);
+    if (sourceLength < kSmallestLibraryEntry || sourceLength > kLargestLibraryEntry) {
+        CloseFileRecord(source);
+        return false;
+    }
     MakePath(SavePath);
     FileRecord output = OpenReplacingFileRecord(
         ResolveExistingCase(withSlash(SavePath) + SaveFile + QStringLiteral(".texture")));
@@ -298,14 +310,15 @@ bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const 
     const QByteArray header = TextureHeader(kFixedPayloadSize, 1024, 768, texPath, SaveFile);
     WriteFileBytes(output, header.constData(), header.size());
 
+    // Never more than the length seen at the start, should the file grow.
     std::vector<char> chunk(kContainerCopyChunk);
-    for (;;) {
-        const qint64 read = ReadFileBytes(source, chunk.data(), kContainerCopyChunk);
+    for (qint64 left = sourceLength; left > 0;) {
+        const qint64 read = ReadFileBytes(source, chunk.data(), qMin(left, kContainerCopyChunk));
         if (read < 0)
             output.Failed = true;
-        if (read <= 0)
+        if (read <= 0 || WriteFileBytes(output, chunk.data(), read) != read)
             break;
-        WriteFileBytes(output, chunk.data(), read);
+        left -= read;
     }
     CloseFileRecord(source);
     return CommitFileRecord(output);

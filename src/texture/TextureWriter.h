@@ -46,9 +46,16 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
 void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, long Height,
                     bool Alpha, const cDIBSection* cDibAlpha, bool AsTga, BusyHost& busy);
 
+// The sizes a library entry (a DDS file) may have: at least its header, and
+// far less than the largest picture the game takes.
+constexpr qint64 kSmallestLibraryEntry = 128;
+constexpr qint64 kLargestLibraryEntry = 64LL * 1024 * 1024;
+
 // Wraps an already converted DDS file into SavePath + SaveFile + ".texture"
 // as a 1024 x 768 picture, copying its bytes unchanged. False when either
-// file could not be opened or the texture not written.
+// file could not be opened or the texture not written, and when the source is
+// not a regular file of a library entry's size (see above); the old texture
+// then stays.
 bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,
                       const QString& texPath);
 

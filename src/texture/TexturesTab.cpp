@@ -183,8 +183,8 @@ bool TexturesTab::WriteCustomTexture(int i) {
         return false;
     if (useMask && !LoadImage(texAlpha_->text(), images.cDibMask, width, height, form_, ui))
         return false;
-    if (!WriteFormTexture(form_, SavePath, file, file, images.cDib, width, height, true, width, height,
-                          folder + u'/', useMask, &images.cDibMask, false))
+    if (!WriteFormTexture(form_, SavePath, file, file, images.cDib, width, height, true, width,
+                          height, folder + u'/', useMask, &images.cDibMask, false))
         ui.Message(WriteErrorText(), MsgIcon::Exclamation);
     return true;
 }

@@ -1,8 +1,11 @@
+#include "app/FileRecord.h"
 #include "app/modRegistry.h"
 #include "common/TestEnvironment.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <thread>
 
 using namespace modRegistry;
 
@@ -66,20 +69,14 @@ TEST_F(RegistryTest, CreateKeyTellsNewFromExisting) {
     EXPECT_EQ(CreateKey(kSettingsKey), 2);
 }
 
-TEST_F(RegistryTest, StoreThatDoesNotParseIsKeptAsideNotOverwritten) {
-    const QByteArray garbage[] = {
-        QByteArray("this is not a registry file\n"),
-        QByteArray("REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\n"
-                   "\"CohPath\"=\"unterminated\n"),
-        QByteArray("REGEDIT4\n\"orphan\"=\"value\"\n"),
-        QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
+TEST_F(RegistryTest, OnlyAFileThatIsNoStoreAtAllIsKeptAside) {
+    const QByteArray garbage[] = {QByteArray("this is not a registry file\n"),
+                                  QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
     int expectedAside = 0;
     for (const QByteArray& bytes : garbage) {
         writeFile(QStringLiteral("config/kelvaris/registry.reg"), bytes);
         EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QString());
-        ++expectedAside;
-        const QStringList aside = asideFiles();
-        ASSERT_EQ(aside.size(), expectedAside) << bytes.constData();
+        ASSERT_EQ(asideFiles().size(), ++expectedAside) << bytes.constData();
         // The tool goes on with defaults and may write a fresh store.
         EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/new")));
         EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/new"));
@@ -91,6 +88,110 @@ TEST_F(RegistryTest, StoreThatDoesNotParseIsKeptAsideNotOverwritten) {
         kept << readFile(configHome() + QStringLiteral("/kelvaris/") + name);
     for (const QByteArray& bytes : garbage)
         EXPECT_TRUE(kept.contains(bytes));
+}
+
+// A store as Wine's and Windows' registry editors write it, with the game's
+// own keys merged in, and lines an older Kelvaris or a hand edit left broken.
+const char kMixedStore[] = "REGEDIT4\r\n"
+                           "; the player's note\r\n"
+                           "\r\n"
+                           "[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"
+                           "\"CohPath\"=\"/games/coh\"\r\n"
+                           "\"Broken\"=\"a value whose line\r\n"
+                           "was cut in two\"\r\n"
+                           "\"Nul\"=\"x\0y\"\r\n"
+                           "\r\n"
+                           "[HKEY_CURRENT_USER\\Software\\Cryptic\\Coh]\r\n"
+                           "\"screenX\"=dword:00000780\r\n"
+                           "\"Blob\"=hex:01,02,03,\\\r\n"
+                           "  04,05\r\n"
+                           "\"Path\"=hex(2):43,3a,00\r\n"
+                           "[HKEY_CURRENT_USER\\Unclosed\r\n"
+                           "\"inside\"=\"kept\"\r\n";
+
+TEST_F(RegistryTest, ValuesItDoesNotExpectCostNothingAndAreKeptVerbatim) {
+    const QByteArray mixed(kMixedStore, sizeof kMixedStore - 1);
+    writeFile(QStringLiteral("config/kelvaris/registry.reg"), mixed);
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("Blob")), QString());
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Broken")), QString());
+
+    // A change rewrites the store: what Kelvaris does not read comes back
+    // exactly as it stood, and nothing is set aside.
+    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("Frames"), QStringLiteral("1")));
+    const QByteArray rewritten = readFile(storeFile());
+    for (const char* line :
+         {"; the player's note\r\n", "\"screenX\"=dword:00000780\r\n",
+          "\"Blob\"=hex:01,02,03,\\\r\n  04,05\r\n", "\"Path\"=hex(2):43,3a,00\r\n",
+          "\"Broken\"=\"a value whose line\r\n", "was cut in two\"\r\n",
+          "[HKEY_CURRENT_USER\\Unclosed\r\n\"inside\"=\"kept\"\r\n"})
+        EXPECT_TRUE(rewritten.contains(line)) << line;
+    EXPECT_TRUE(rewritten.contains(QByteArray("\"Nul\"=\"x\0y\"\r\n", 13)));
+    EXPECT_TRUE(asideFiles().isEmpty());
+    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Frames")), QStringLiteral("1"));
+    // Storing over a value of another type makes it a string.
+    EXPECT_TRUE(SetValue(coh, QStringLiteral("screenX"), QStringLiteral("1024")));
+    EXPECT_TRUE(readFile(storeFile()).contains("\"screenX\"=\"1024\""));
+}
+
+TEST_F(RegistryTest, TextTheStoreCannotGiveBackIsRefusedAndNothingWritten) {
+    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh"));
+    const QByteArray before = readFile(storeFile());
+    const QString refused[] = {QStringLiteral("two\nlines"), QStringLiteral("carriage\rreturn"),
+                               QStringLiteral("nul") + QChar(0) + QStringLiteral("byte"),
+                               QStringLiteral("tab\there"), QStringLiteral("escape\x1b")};
+    for (const QString& text : refused) {
+        EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), text));
+        EXPECT_FALSE(SetValue(kSettingsKey, text, QStringLiteral("x")));
+        EXPECT_EQ(CreateKey(QStringLiteral("Software\\") + text), 0);
+    }
+    EXPECT_EQ(readFile(storeFile()), before);
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+}
+
+TEST_F(RegistryTest, AFullDiskKeepsTheStoreAsItWasAndSaysSo) {
+    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh"));
+    SetValue(kSettingsKey, QStringLiteral("webLink0"), QStringLiteral("http://a/b"));
+    const QByteArray before = readFile(storeFile());
+    FailWritesAfter(0);
+    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("webLink1"), QStringLiteral("http://c")));
+    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("   ")));
+    EXPECT_EQ(readFile(storeFile()), before);
+    FailWritesAfter(-1);
+    // The next write keeps everything that was there.
+    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("webLink1"), QStringLiteral("http://c")));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("webLink0")), QStringLiteral("http://a/b"));
+    EXPECT_EQ(QDir(configHome() + QStringLiteral("/kelvaris")).entryList(QDir::Files),
+              QStringList{QStringLiteral("registry.reg")});
+}
+
+TEST_F(RegistryTest, TwoWritersAtOnceLoseNothing) {
+    // The window and a randomizer run write the store at the same time.
+    constexpr int kEach = 150;
+    auto writer = [](char who) {
+        for (int i = 0; i < kEach; ++i)
+            SetValue(kSettingsKey, QStringLiteral("%1%2").arg(who).arg(i), QString::number(i));
+    };
+    std::thread first(writer, 'a');
+    std::thread second(writer, 'b');
+    first.join();
+    second.join();
+    for (char who : {'a', 'b'})
+        for (int i = 0; i < kEach; ++i)
+            ASSERT_EQ(QueryValue(kSettingsKey, QStringLiteral("%1%2").arg(who).arg(i)),
+                      QString::number(i))
+                << who << i;
+}
+
+TEST_F(RegistryTest, ALockLeftByAKilledKelvarisIsTakenOver) {
+    // The lock of a process that no longer runs.
+    writeFile(QStringLiteral("config/kelvaris/registry.reg.lock"), "2147483646\nkelvaris\n\n");
+    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/g")));
+    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/g"));
 }
 
 TEST_F(RegistryTest, StoreThatCannotBeReadIsNeverReplaced) {

@@ -1,5 +1,7 @@
 #include "TestEnvironment.h"
 
+#include "app/FileRecord.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -21,6 +23,7 @@ void TestEnvironment::SetUp() {
 }
 
 void TestEnvironment::TearDown() {
+    FailWritesAfter(-1); // a test that made the disk "full" leaves it usable
     for (int i = 0; i < 5; ++i) {
         if (savedVars_[i].isNull())
             qunsetenv(kVars[i]);

@@ -75,7 +75,7 @@ const ImportCase kImports[] = {
     {"AbsolutePath", kHead + "\"webPath2\"=\"/etc\"\r\n", 0, "slot 2"},
     {"FileNameClimbsOut",
      kHead + "\"webFile2\"=\"..\\\\..\\\\evil\"\r\n\"webLink0\"=\"http://a/b\"\r\n", 1,
-     "outside the game's data folder"},
+     "outside the game's data/texture_library folder"},
     {"HugeValue",
      kHead + "\"webName2\"=\"" + QByteArray(10000, 'n') +
          "\"\r\n\"webPath2\"=\"texture_library/New\"\r\n",

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <deque>
+#include <sys/stat.h>
 
 namespace {
 
@@ -14,7 +15,7 @@ protected:
     QString library(const QStringList& names) {
         const QString folder = root() + QStringLiteral("/lib/");
         for (const QString& name : names)
-            writeFile(QStringLiteral("lib/") + name, "DDS ");
+            writeFile(QStringLiteral("lib/") + name, QByteArray("DDS ").leftJustified(128, '\0'));
         return folder;
     }
     // Plays back the given draws, then keeps returning the last one.
@@ -38,6 +39,13 @@ protected:
 TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
     const QString folder = library({"a.dds", "B.DDS", "c.jpg", "d.dds.txt", ".hidden.dds"});
     QDir().mkpath(folder + QStringLiteral("folder.dds"));
+    // Nothing that is not a picture file of a DDS file's size: copying from
+    // a device or a FIFO would never end.
+    writeFile(QStringLiteral("lib/empty.dds"), "");
+    writeFile(QStringLiteral("lib/short.dds"), "DDS ");
+    QFile::link(QStringLiteral("/dev/zero"), folder + QStringLiteral("zero.dds"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder + QStringLiteral("fifo.dds")).constData(), 0600),
+              0);
     QStringList names = ListLibraryImages(folder);
     names.sort();
     EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));

@@ -4,6 +4,7 @@
 #include "app/modRegistry.h"
 
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace {
 
@@ -28,16 +29,18 @@ protected:
 };
 
 TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
-    writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), "DDS login");
-    writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), "DDS char");
+    const QByteArray loginEntry = QByteArray("DDS login").leftJustified(128, '.');
+    const QByteArray characterEntry = QByteArray("DDS char").leftJustified(200, '.');
+    writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), loginEntry);
+    writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), characterEntry);
 
     RunRandomizer(game, QStringLiteral("-randomizer -x 1"), ui);
 
     // A 32-byte header, the texture's name with its NUL, then the image.
     const QByteArray login = readFile(loginTexture());
-    EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + "DDS login")));
-    EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 9);
-    EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith("DDS char"));
+    EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + loginEntry)));
+    EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 128);
+    EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith(characterEntry));
     EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")),
               QStringLiteral("Sunset.dds"));
     EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHC")),
@@ -59,9 +62,17 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background"))); // no library
     EXPECT_EQ(ui.starts.size(), 1);
 
-    // A zero-byte image may be wrapped (a header and nothing else); nothing crashes.
+    // Entries that cannot be a picture are never installed, and none of them
+    // holds up the game: an empty file, a link to an endless device, a link
+    // to a FIFO nobody writes to.
+    const QString characters = game + QStringLiteral("/Kelvaris/RandomHC/");
     writeFile(QStringLiteral("game/Kelvaris/RandomHC/empty.dds"), QByteArray());
+    QFile::link(QStringLiteral("/dev/zero"), characters + QStringLiteral("zero.dds"));
+    const QString fifo = root() + QStringLiteral("/fifo");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    QFile::link(fifo, characters + QStringLiteral("waiting.dds"));
     RunRandomizer(game, QStringLiteral("-randomizer"), ui);
+    EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background")));
     EXPECT_EQ(ui.starts.size(), 2);
 }
 

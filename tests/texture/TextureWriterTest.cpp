@@ -1,5 +1,6 @@
 #include "texture/TextureWriter.h"
 
+#include "app/FileRecord.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/RecordingBusy.h"
@@ -7,7 +8,6 @@
 #include "common/TestPictures.h"
 #include "image/LoadImage.h"
 #include "image/cDIBSection.h"
-#include "texture/FileRecord.h"
 #include "texture/ScreenTargets.h"
 
 #include <QDir>
@@ -191,12 +191,19 @@ TEST_P(Refusals, WriteNothing) {
 
 INSTANTIATE_TEST_SUITE_P(
     OutsideTheGame, Refusals,
-    ::testing::Values(Refusal{"a name that climbs", "game/data/", "../../escape"},
-                      Refusal{"a name with a folder", "game/data/", "sub/name"},
-                      Refusal{"a folder that climbs", "game/data/../../elsewhere/", "n"},
-                      Refusal{"a folder beside the game", "gameplay/", "name"},
-                      Refusal{"no game folder", "game/data/", "name", true},
-                      Refusal{"a file for the data folder", "game/data/", "name", false, true}),
+    ::testing::Values(
+        Refusal{"a name that climbs", "game/data/texture_library/", "../../escape"},
+        Refusal{"a name with a folder", "game/data/texture_library/", "sub/name"},
+        Refusal{"a folder that climbs", "game/data/texture_library/../../../elsewhere/", "n"},
+        Refusal{"a folder beside the game", "gameplay/data/texture_library/", "name"},
+        Refusal{"no game folder", "game/data/texture_library/", "name", true},
+        Refusal{"a file for the data folder", "game/data/texture_library/", "name", false, true},
+        // Inside the game but not where textures go.
+        Refusal{"the data folder itself", "game/data/", "name"},
+        Refusal{"the program folder", "game/data/bin/", "name"},
+        Refusal{"a tilde folder", "game/data/~/x/", "name"},
+        Refusal{"the music folder", "game/data/sound/Ogg/", "name"},
+        Refusal{"beside the texture folder", "game/data/texture_library_old/", "name"}),
     CaseName<Refusal>);
 
 TEST_F(TextureWriterTest, AReadOnlyTextureStaysAsItIs) {
@@ -276,7 +283,7 @@ TEST_P(CompressedTextures, CarryMipmapsAndTheMaskAsAlpha) {
         for (long x = 32; x < 64; ++x)
             mask.Row(y)[3 * x] = 255; // left half transparent
     context.compress = true;
-    const QString folder = game + QStringLiteral("/data/icons/");
+    const QString folder = game + QStringLiteral("/data/texture_library/icons/");
     ASSERT_TRUE(WriteTexture(folder, QStringLiteral("icon"), QStringLiteral("icon"), dib, 64, 64,
                              true, 64, 64, QStringLiteral("icons/"), alpha, &mask, false, context,
                              busy, ui));

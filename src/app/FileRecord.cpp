@@ -1,0 +1,228 @@
+#include "FileRecord.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Writes still allowed before the simulated full disk; negative: no limit.
+std::atomic<int> writesBeforeFailure{-1};
+
+bool simulatedDiskFull() {
+    int left = writesBeforeFailure.load();
+    while (left >= 0) {
+        if (left == 0)
+            return true;
+        if (writesBeforeFailure.compare_exchange_weak(left, left - 1))
+            return false;
+    }
+    return false;
+}
+
+// Only a regular file is read or written: a FIFO or a device would block
+// or never end.
+bool isRegular(int fd) {
+    struct stat status;
+    return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+} // namespace
+
+void FailWritesAfter(int count) {
+    writesBeforeFailure = count;
+}
+
+FileRecord OpenFileRecord(const QString& FileName, quint32 Access, int, int CreationDisposition) {
+    FileRecord record;
+    const QByteArray name = QFile::encodeName(FileName);
+    // Non-blocking, so that opening a FIFO returns at once instead of waiting
+    // for a writer; the flag is taken off again for the regular file.
+    int flags = O_CLOEXEC | O_NONBLOCK;
+    if (Access & kGenericWrite)
+        flags |= (Access & kGenericRead) ? O_RDWR : O_WRONLY;
+    else
+        flags |= O_RDONLY;
+    if (CreationDisposition == kCreateAlways)
+        flags |= O_CREAT | O_TRUNC;
+    do {
+        record.Handle = ::open(name.constData(), flags, 0644);
+    } while (record.Handle == -1 && errno == EINTR);
+    if (record.Handle == -1)
+        return record;
+    if (!isRegular(record.Handle)) {
+        ::close(record.Handle);
+        record.Handle = -1;
+        return record;
+    }
+    ::fcntl(record.Handle, F_SETFL, ::fcntl(record.Handle, F_GETFL) & ~O_NONBLOCK);
+    record.FileName = FileName;
+    return record;
+}
+
+void CloseFileRecord(FileRecord& record) {
+    if (record.Handle != -1 && ::close(record.Handle) != 0)
+        record.Failed = true;
+    record.Handle = -1;
+    record.FileName.clear();
+}
+
+qint64 ReadFileBytes(FileRecord& record, void* buffer, qint64 count) {
+    if (record.Handle == -1)
+        return 0;
+    auto* into = static_cast<char*>(buffer);
+    qint64 done = 0;
+    while (done < count) {
+        const ssize_t n = ::read(record.Handle, into + done, size_t(count - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            break;
+        done += n;
+    }
+    return done;
+}
+
+qint64 WriteFileBytes(FileRecord& record, const void* buffer, qint64 count) {
+    if (record.Handle == -1)
+        return 0;
+    if (simulatedDiskFull()) {
+        record.Failed = true;
+        errno = ENOSPC;
+        return -1;
+    }
+    const auto* from = static_cast<const char*>(buffer);
+    qint64 done = 0;
+    while (done < count) {
+        const ssize_t n = ::write(record.Handle, from + done, size_t(count - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            record.Failed = true;
+            return -1;
+        }
+        done += n;
+    }
+    return done;
+}
+
+qint64 FileRecordLength(const FileRecord& record) {
+    struct stat status;
+    if (record.Handle == -1 || ::fstat(record.Handle, &status) != 0)
+        return 0;
+    return status.st_size;
+}
+
+FileRecord OpenReplacingFileRecord(const QString& FileName) {
+    const QByteArray target = QFile::encodeName(FileName);
+    struct stat status;
+    if (::stat(target.constData(), &status) == 0) {
+        // A read-only game file stays as it is, as the game's own installer
+        // or the player meant; renaming over it would replace it regardless.
+        if ((status.st_mode & 0222) == 0 || ::access(target.constData(), W_OK) != 0 ||
+            !S_ISREG(status.st_mode))
+            return {};
+    }
+    QByteArray pattern = target + kTemporaryMarker + "XXXXXX";
+    const int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
+    if (fd == -1)
+        return {};
+    ::fchmod(fd, 0644);
+    FileRecord record;
+    record.Handle = fd;
+    record.FileName = QFile::decodeName(pattern);
+    record.FinalName = FileName;
+    return record;
+}
+
+bool CommitFileRecord(FileRecord& record) {
+    if (record.Handle == -1)
+        return false;
+    const QByteArray temporary = QFile::encodeName(record.FileName);
+    const QByteArray target = QFile::encodeName(record.FinalName);
+    // A disk that fills up may only say so when the data reach it.
+    if (::fdatasync(record.Handle) != 0)
+        record.Failed = true;
+    CloseFileRecord(record);
+    if (record.Failed || target.isEmpty() ||
+        ::rename(temporary.constData(), target.constData()) != 0) {
+        const int cause = errno; // kept for the caller's message
+        ::unlink(temporary.constData());
+        errno = cause;
+        return false;
+    }
+    record.FinalName.clear();
+    return true;
+}
+
+void DiscardFileRecord(FileRecord& record) {
+    const QByteArray temporary = QFile::encodeName(record.FileName);
+    const bool replacing = !record.FinalName.isEmpty();
+    const int cause = errno;
+    CloseFileRecord(record);
+    if (replacing)
+        ::unlink(temporary.constData());
+    errno = cause;
+    record.FinalName.clear();
+}
+
+bool WriteFileAtomically(const QString& FileName, const QByteArray& bytes) {
+    FileRecord record = OpenReplacingFileRecord(FileName);
+    if (record.Handle == -1)
+        return false;
+    if (WriteFileBytes(record, bytes.constData(), bytes.size()) != bytes.size()) {
+        DiscardFileRecord(record);
+        return false;
+    }
+    return CommitFileRecord(record);
+}
+
+bool IsKelvarisTemporaryName(const QString& name) {
+    static const QRegularExpression pattern(QStringLiteral("\\.kelvaris-[A-Za-z0-9]{6}$"));
+    return pattern.match(name).hasMatch();
+}
+
+std::optional<QByteArray> ReadRegularFile(const QString& FileName, qint64 maxBytes) {
+    FileRecord record = OpenFileRecord(FileName, kGenericRead, kShareRead, kOpenExisting);
+    if (record.Handle == -1)
+        return std::nullopt;
+    const qint64 length = FileRecordLength(record);
+    std::optional<QByteArray> bytes;
+    if (length <= maxBytes) {
+        // One byte more than announced tells a file that grew meanwhile.
+        QByteArray data(length + 1, Qt::Uninitialized);
+        const qint64 read = ReadFileBytes(record, data.data(), data.size());
+        if (read >= 0 && read <= maxBytes) {
+            data.truncate(read);
+            bytes = std::move(data);
+        }
+    }
+    CloseFileRecord(record);
+    return bytes;
+}
+
+bool IsRegularFile(const QString& Path) {
+    struct stat status;
+    return ::stat(QFile::encodeName(Path).constData(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool OpenRegularFile(QFile& file, const QString& FileName) {
+    FileRecord record = OpenFileRecord(FileName, kGenericRead, kShareRead, kOpenExisting);
+    if (record.Handle == -1)
+        return false;
+    file.setFileName(FileName);
+    if (!file.open(record.Handle, QIODevice::ReadOnly | QIODevice::Unbuffered,
+                   QFileDevice::AutoCloseHandle)) {
+        CloseFileRecord(record);
+        return false;
+    }
+    return true;
+}
