@@ -45,6 +45,17 @@ void OnlineDownloads::SetLimits(qint64 maxHeaderBytes, qint64 maxBodyBytes) {
     maxBodyBytes_ = maxBodyBytes;
 }
 
+void OnlineDownloads::ReceiveData(int Slot, const QByteArray& Bytes) {
+    if (Slot < 0 || Slot >= kDownloadSlots)
+        return;
+    DownloadSlot& s = slots_[size_t(Slot)];
+    if (!s.Active)
+        return;
+    s.Received += Bytes;
+    if (!s.Parsing)
+        ProcessResponse(Slot);
+}
+
 bool OnlineDownloads::AnyActive() const {
     for (const DownloadSlot& s : slots_)
         if (s.Active)

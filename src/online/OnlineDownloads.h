@@ -65,6 +65,11 @@ public:
     void SetPort(quint16 port) { port_ = port; }
     void SetLimits(qint64 maxHeaderBytes, qint64 maxBodyBytes);
 
+    // For feeding a response in tests and fuzzing without a connection: the
+    // bytes are added to the slot's received data and processed as a read of
+    // its connection would be. A slot that is not active ignores them.
+    void ReceiveData(int Slot, const QByteArray& Bytes);
+
     // Starts the slot's download. WebFile and WebUrl are the texts of the
     // slot's texture box and address box.
     StartResult StartDownload(int Slot, const QString& WebFile, const QString& WebUrl);
