@@ -13,3 +13,11 @@ export ASAN_OPTIONS=detect_leaks=0:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 cd "$build"
 ctest --output-on-failure -j"$(nproc)" --timeout 600
+
+# Then a short run of every fuzz target (scripts/fuzz.sh). They need clang;
+# without clang++ on PATH this step is skipped.
+if command -v clang++ >/dev/null 2>&1; then
+    sh "$top/scripts/fuzz.sh"
+else
+    echo "clang++ not found: the fuzz targets were skipped."
+fi
