@@ -285,7 +285,7 @@ std::optional<RegDocument> ParseRegedit4(const QByteArray& text) {
         QByteArray raw = data.toUtf8();
         while (continues(lines[i]) && i + 1 < lines.size() && !lines[i + 1].trimmed().isEmpty())
             raw += "\r\n" + lines[++i];
-        if (continues(raw)) {
+        while (continues(raw)) {
             raw = raw.trimmed();
             raw.chop(1);
         }

@@ -75,7 +75,7 @@ bool clsEncoderOGG::InitEncoder() {
     }
     quality_ = kQuality;
     nominalBitRate_ = kNominalBitRate;
-    output_ = nullptr;
+    CloseFileRecord(output_);
     return librariesBound_;
 }
 
@@ -87,10 +87,9 @@ bool clsEncoderOGG::InitStream(int32_t SampleRate, int16_t Channels, const QStri
         return false;
     channels_ = Channels;
     sampleRate_ = SampleRate;
-    output_ = std::fopen(QFile::encodeName(FileName).constData(), "wb");
-    if (!output_)
+    output_ = OpenFileRecord(FileName, kGenericWrite, kShareRead, kCreateAlways);
+    if (output_.Handle == -1)
         return false;
-    writeFailed_ = false;
 
     state_ = std::make_unique<StateBlocks>();
     StateBlocks& s = *state_;
@@ -120,14 +119,14 @@ bool clsEncoderOGG::InitStream(int32_t SampleRate, int16_t Channels, const QStri
             return true;
     }
     clearLibraryState();
-    std::fclose(output_);
-    output_ = nullptr;
+    CloseFileRecord(output_);
     freeStateBlocks();
     return false;
 }
 
 bool clsEncoderOGG::EncodeStream(const void* Data, int32_t ByteCount, int32_t& BytesTaken) {
-    if (!librariesBound_ || !output_ || !Data || ByteCount < 4 || ByteCount > kMaxBlockBytes)
+    if (!librariesBound_ || output_.Handle == -1 || !Data || ByteCount < 4 ||
+        ByteCount > kMaxBlockBytes)
         return false;
     StateBlocks& s = *state_;
     const int samples = ByteCount / 2;
@@ -159,7 +158,7 @@ bool clsEncoderOGG::EncodeStream(const void* Data, int32_t ByteCount, int32_t& B
 }
 
 bool clsEncoderOGG::CloseStream() {
-    if (!librariesBound_ || !output_)
+    if (!librariesBound_ || output_.Handle == -1)
         return false;
     StateBlocks& s = *state_;
     // Marking the end of input makes libogg emit the last page, flagged as
@@ -167,13 +166,11 @@ bool clsEncoderOGG::CloseStream() {
     VORBIS(vorbis_analysis_wrote, &s.dsp, 0);
     drainBlocks();
     clearLibraryState();
-    const bool flushed = std::fflush(output_) == 0;
-    const bool closed = std::fclose(output_) == 0;
-    output_ = nullptr;
+    CloseFileRecord(output_);
     freeStateBlocks();
     channels_ = 0;
     sampleRate_ = 0;
-    return flushed && closed && !writeFailed_;
+    return !output_.Failed;
 }
 
 void clsEncoderOGG::clearLibraryState() {
@@ -202,11 +199,9 @@ bool clsEncoderOGG::writePages(bool force) {
                                : resultOr(OGG(ogg_stream_pageout, &s.stream, &s.page), 0);
         if (more == 0)
             break;
-        if (std::fwrite(s.page.header, 1, size_t(s.page.header_len), output_) !=
-                size_t(s.page.header_len) ||
-            std::fwrite(s.page.body, 1, size_t(s.page.body_len), output_) !=
-                size_t(s.page.body_len))
-            writeFailed_ = true;
+        // A page that cannot be written marks the record failed.
+        WriteFileBytes(output_, s.page.header, s.page.header_len);
+        WriteFileBytes(output_, s.page.body, s.page.body_len);
     }
     return true;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/FileRecord.h"
 #include "clsDLL.h"
 
 #include <QString>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 
 // The shared libraries the encoder binds. Tests point them at a missing name
@@ -62,9 +62,8 @@ private:
     float quality_ = 0.0f;
     int32_t nominalBitRate_ = 0; // kept with the settings; the VBR mode does not read it
     bool librariesBound_ = false;
-    std::FILE* output_ = nullptr;
-    // A page could not be written whole (a full disk): the file is unusable.
-    bool writeFailed_ = false;
+    // Failed once a page could not be written whole (a full disk).
+    FileRecord output_;
     int16_t channels_ = 0;
     int32_t sampleRate_ = 0;
     int serial_ = 0;

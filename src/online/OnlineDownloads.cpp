@@ -232,7 +232,12 @@ bool OnlineDownloads::headerLine(int n, const QByteArray& line) {
 bool OnlineDownloads::openTempFile(int n) {
     DownloadSlot& s = slots_[size_t(n)];
     s.File.reset();
-    s.TempFile = DownloadTempFileName(n, s.ContentType);
+    // A second end of header in the same read opens the file again, under
+    // the name of the type it names now: the first one is not left behind.
+    const QString name = DownloadTempFileName(n, s.ContentType);
+    if (!s.TempFile.isEmpty() && s.TempFile != name)
+        QFile::remove(workFile(s.TempFile));
+    s.TempFile = name;
     auto file = std::make_unique<QFile>(workFile(s.TempFile));
     if (!file->open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;

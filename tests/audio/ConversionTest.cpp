@@ -1,5 +1,6 @@
 #include "SoundFixtures.h"
 #include "app/BusyHost.h"
+#include "app/FileRecord.h"
 #include "audio/SoundConversion.h"
 #include "audio/clsEncoderOGG.h"
 #include "audio/clsWinampPlugin.h"
@@ -66,8 +67,17 @@ INSTANTIATE_TEST_SUITE_P(
                       SourceCase{"textNamedWav", "text.wav", 0, 0, 0, 0},
                       SourceCase{"noSamples", "silent.wav", 0, 0, 0, 0},
                       SourceCase{"noAudioStream", "video.mp4", 0, 0, 0, 0},
-                      SourceCase{"missingFile", "missing.mp3", 0, 0, 0, 0}),
+                      SourceCase{"missingFile", "missing.mp3", 0, 0, 0, 0},
+                      SourceCase{"gigabyteOfZeros", "zeros.mp3", 0, 0, 0, 0},
+                      SourceCase{"fifo", "fifo.mp3", 0, 0, 0, 0}),
     CaseName<SourceCase>);
+
+TEST_F(ConversionTest, AFullDiskFailsTheConversion) {
+    FailWritesAfter(6); // the headers and a page of sound, then no more room
+    EXPECT_FALSE(ConvertSound(decoder, encoder, busy, Sound("tone.wav"), target));
+    FailWritesAfter(-1);
+    EXPECT_TRUE(ConvertSound(decoder, encoder, busy, Sound("tone.wav"), target));
+}
 
 TEST_F(ConversionTest, ReportsProgressEveryFiftyChunksAndACancelFinishesTheStream) {
     QList<long> values;

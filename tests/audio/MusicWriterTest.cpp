@@ -1,10 +1,12 @@
 #include "audio/MusicWriter.h"
 
+#include "app/FileRecord.h"
 #include "audio/MusicTables.h"
 #include "common/TestEnvironment.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace {
 
@@ -61,6 +63,23 @@ TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
     EXPECT_FALSE(CopySoundFile(root(), target)); // a folder is no source
     EXPECT_EQ(readFile(target), readFile(source));
     EXPECT_FALSE(CopySoundFile(source, root() + QStringLiteral("/no/such/folder/x.ogg")));
+    // A FIFO is refused at once instead of waiting for a writer.
+    const QString fifo = root() + QStringLiteral("/fifo.ogg");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    EXPECT_FALSE(CopySoundFile(fifo, target));
+    EXPECT_EQ(readFile(target), readFile(source));
+}
+
+TEST_F(MusicWriterTest, AFullDiskKeepsTheGamesMusicAndTheBoxTicked) {
+    const QString music = writeFile(
+        QStringLiteral("game/data/sound/Ogg/H_FrontEnd/H_music1_loop.ogg"), "the game's own");
+    boxes[QStringLiteral("sndHeroLogin")] = Qt::Checked;
+    FailWritesAfter(1); // the second block of the copy finds the disk full
+    EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
+    EXPECT_EQ(readFile(music), QByteArray("the game's own"));
+    EXPECT_EQ(boxes[QStringLiteral("sndHeroLogin")], Qt::Checked);
+    EXPECT_EQ(QDir(QFileInfo(music).path()).entryList(QDir::Files),
+              QStringList{QStringLiteral("H_music1_loop.ogg")});
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <sys/stat.h>
 
 OggReport ReadOgg(const QString& path) {
     OggReport report;
@@ -70,7 +71,12 @@ bool makeSounds(const QString& base) {
     uint32_t noise = 12345;
     for (qsizetype i = bytes.size() / 3; ok && i < bytes.size() / 3 + 20000; ++i)
         bytes[i] = char((noise = noise * 1103515245u + 12345u) >> 24);
-    return ok && writeBytes(at("damaged.mp3"), bytes);
+    ok = ok && writeBytes(at("damaged.mp3"), bytes);
+    // A gigabyte of zeros (sparse, so it costs no disk) that only its name
+    // calls an mp3, and a FIFO nobody writes to.
+    QFile zeros(at("zeros.mp3"));
+    ok = ok && zeros.open(QIODevice::WriteOnly) && zeros.resize(1LL << 30);
+    return ok && ::mkfifo(QFile::encodeName(at("fifo.mp3")).constData(), 0600) == 0;
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "texture/CatalogueReader.h"
 
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace {
 
@@ -126,6 +127,10 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     QByteArray broken = MakeTestArchive({{kPowers + "Lost.texture", MakeTestTexture(8, 8), true}});
     PutU32(broken, 12, 0xFFFFFFFF);
     writeFile(QStringLiteral("CoH/piggs/broken.pigg"), broken);
+    // A FIFO among the archives, and a link to it, are passed over unread.
+    const QString fifo = game() + QStringLiteral("/piggs/waiting.pigg");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    QFile::link(fifo, game() + QStringLiteral("/piggs/link.pigg"));
     QByteArray headless = MakeTestTexture(8, 8, false);
     headless.replace("DDS ", "XXXX");
     // An old texture whose long internal name pushes its DDS header far out.

@@ -6,7 +6,9 @@
 #include "texture/CatalogueWriter.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace {
 
@@ -151,6 +153,16 @@ INSTANTIATE_TEST_SUITE_P(
             "1\n\"A\",3\n\"F\",8,8,\"texture_library\",\"../x\"\n\"G\",8,8,\"a\",\"b/c\"\n" +
                 kRecord,
             "2 texture(s)", 1, 1},
+        HostileCase{"folders inside the game but not for textures",
+                    "1\n\"A\",4\n\"Bin\",8,8,\"bin\",\"x\"\n\"Tilde\",8,8,\"~/x\",\"y\"\n"
+                    "\"Music\",8,8,\"sound/Ogg\",\"z\"\n" +
+                        kRecord,
+                    "3 texture(s)", 1, 1},
+        HostileCase{"line breaks the settings could not hold",
+                    "1\n\"A\",3\n\"Two\nlines\",8,8,\"texture_library/a\",\"b\"\n"
+                    "\"F\",8,8,\"texture_library/a\r\nb\",\"c\"\n" +
+                        kRecord,
+                    "2 texture(s)", 1, 1},
         HostileCase{"sizes not positive",
                     "1\n\"A\",3\n\"Z\",0,8,\"a\",\"b\"\n\"N\",-8,8,\"a\",\"b\"\n" + kRecord,
                     "size is not positive", 1, 1}),
@@ -163,6 +175,14 @@ TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWinsAndAMissingOneIsNamed) {
     EXPECT_EQ(
         ReadCatalogueSelection(UserCatalogueFile(), 0).error,
         QStringLiteral("The texture catalogue \"%1\" was not found.").arg(UserCatalogueFile()));
+    // A FIFO in its place is named, not waited on.
+    QDir().mkpath(configHome() + QStringLiteral("/kelvaris"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(UserCatalogueFile()).constData(), 0600), 0);
+    EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
+    EXPECT_EQ(ReadCatalogueSelection(UserCatalogueFile(), 0).error,
+              QStringLiteral("The texture catalogue \"%1\" is not a regular file.")
+                  .arg(UserCatalogueFile()));
+    QFile::remove(UserCatalogueFile());
     writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), "0\r\n");
     EXPECT_EQ(CatalogueFile(), UserCatalogueFile());
     qunsetenv("XDG_CONFIG_HOME");

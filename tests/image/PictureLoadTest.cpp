@@ -8,8 +8,11 @@
 #include "image/cDIBSection.h"
 
 #include <QBuffer>
+#include <QDir>
+#include <QFile>
 #include <QImage>
 #include <functional>
+#include <sys/stat.h>
 
 namespace {
 
@@ -182,8 +185,30 @@ INSTANTIATE_TEST_SUITE_P(
         BadCase{"text.png", [] { return QByteArray("This is not a picture.\n"); }},
         BadCase{"huge.png", [] { return kHugePng; }},
         BadCase{"huge.tga", [] { return TgaBytes(2, 60000, 60000, 24, 0, QByteArray(64, 'x')); }},
+        // Within the decoder's memory limit, but a few hundred bytes cannot
+        // hold that many pixels, even run-length encoded.
+        BadCase{"claims-big.tga",
+                [] { return TgaBytes(2, 8000, 8000, 24, 0, QByteArray(400, 'x')); }},
+        BadCase{"claims-big-rle.tga",
+                [] { return TgaBytes(10, 8000, 8000, 24, 0, QByteArray(400, '\xFF')); }},
         BadCase{"missing", nullptr}),
     CaseName<BadCase>);
+
+TEST_F(PictureLoadTest, OnlyRegularFilesAreRead) {
+    // Each of these would block or never end if it were read.
+    QDir().mkpath(root() + QStringLiteral("/pictures/folder.png"));
+    const QString fifo = root() + QStringLiteral("/pictures/x.png");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const QString device = root() + QStringLiteral("/pictures/zero.tga");
+    QFile::link(QStringLiteral("/dev/zero"), device);
+    for (const QString& path :
+         QStringList{root() + QStringLiteral("/pictures/folder.png"), fifo, device})
+        EXPECT_TRUE(DecodePicture(path).isNull()) << path.toStdString();
+    // A link to a real picture still works.
+    const QString real = picture(QStringLiteral("real.tga"), kTga);
+    QFile::link(real, root() + QStringLiteral("/pictures/link.tga"));
+    EXPECT_EQ(DecodePicture(root() + QStringLiteral("/pictures/link.tga")).size(), QSize(2, 2));
+}
 
 // ---- the loading steps ------------------------------------------------------
 

@@ -108,6 +108,9 @@ const ResponseCase kResponses[] = {
     // the tail after the last CR LF waits for a read that never comes.
     {"OneRead", Close, "png ", {kPng + "line1\r\nline2\r\ntail"}},
     {"SeparateReads", Close, "png a\r\nb", {kPng, kH, "a\r\nb"}},
+    // A second end of header among them opens the file again under its new
+    // type; the first file is not left behind.
+    {"SecondHeaderInOneRead", Close, "gif ", {kPng + "Content-Type: image/gif\r\n\r\n"}},
     {"SplitCrLf",
      Close,
      "gif G",

@@ -1,9 +1,13 @@
 #include "online/TexturesRegFile.h"
 
+#include "app/FileRecord.h"
 #include "app/modRegistry.h"
 #include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 #include "online/OnlineSettings.h"
+
+#include <QFile>
+#include <sys/stat.h>
 
 namespace {
 
@@ -52,6 +56,28 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBac
     EXPECT_EQ(TexturesRegText(storedLinks), expected);
 }
 
+TEST_F(TexturesRegFileTest, AFullDiskFailsTheImportAndTheExportAndKeepsWhatWasThere) {
+    store(QStringLiteral("webLink0"), QStringLiteral("http://kept/x.png"));
+    const QString path =
+        writeFile(QStringLiteral("i.reg"), kHead + "\"webLink0\"=\"http://new\"\r\n");
+    const QByteArray importFile = readFile(path);
+    FailWritesAfter(0);
+    const TexturesImport result = ImportOnlineTextures(path);
+    EXPECT_EQ(result.merged, 0);
+    EXPECT_TRUE(result.Message().contains(QStringLiteral("could not be written")))
+        << result.Message().toStdString();
+    EXPECT_EQ(value(QStringLiteral("webLink0")), QStringLiteral("http://kept/x.png"));
+    EXPECT_FALSE(ExportOnlineTextures(path, {}));
+    EXPECT_EQ(readFile(path), importFile);
+
+    // A FIFO chosen as the file to import is refused, not waited on.
+    FailWritesAfter(-1);
+    const QString fifo = root() + QStringLiteral("/fifo.reg");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    EXPECT_TRUE(
+        ImportOnlineTextures(fifo).Message().contains(QStringLiteral("not a regular file")));
+}
+
 struct ImportCase {
     const char* name;
     QByteArray text;
@@ -86,6 +112,9 @@ const ImportCase kImports[] = {
      1, "3 value(s) that are not online texture settings"},
     {"OtherKey", "REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\Software\\Evil]\r\n\"webName1\"=\"x\"\r\n", 0,
      "not online texture settings"},
+    {"ControlCharacter", kHead + "\"webName1\"=\"a\tb\"\r\n\"webLink0\"=\"x\"\r\n", 1,
+     "control character"},
+    {"FolderOutsideTextures", kHead + "\"webPath1\"=\"sound/Ogg\"\r\n", 0, "slot 1"},
     {"BrokenLines", kHead + "webName1=x\r\n\"webName1\r\n\"webName0\"=\"ok\"\r\n", 1, "2 line(s)"},
 };
 
