@@ -1,4 +1,5 @@
 #include "app/FileRecord.h"
+#include "app/StartUp.h"
 #include "app/modRegistry.h"
 #include "common/TestEnvironment.h"
 
@@ -115,6 +116,7 @@ TEST_F(RegistryTest, ValuesItDoesNotExpectCostNothingAndAreKeptVerbatim) {
     const QByteArray mixed(kMixedStore, sizeof kMixedStore - 1);
     writeFile(QStringLiteral("config/kelvaris/registry.reg"), mixed);
     EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    EXPECT_EQ(StartGameFolder(), QStringLiteral("/games/coh")); // the randomizer finds the game
     const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
     EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
     EXPECT_EQ(QueryValue(coh, QStringLiteral("Blob")), QString());
