@@ -44,9 +44,8 @@ void BM_AddFolderToLibrary(benchmark::State& state) {
         const FolderPictures pictures = ListFolderPictures(folder);
         for (const QString& name : pictures.names) {
             if (!LoadImage(folder + u'/' + name, image, kScreenWidth, kScreenHeight, busy, ui) ||
-                !WriteTexture(library, QStringLiteral("coh"), name, image, kScreenTextureSize,
-                              kScreenTextureSize, false, 0, 0, QString(), false, nullptr, true,
-                              context, busy, ui))
+                !WriteTexture(TextureRequest::LibraryEntry(library, name, image), context, busy,
+                              ui))
                 state.SkipWithError("a library image was not written");
         }
     }

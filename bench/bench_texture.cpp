@@ -22,11 +22,8 @@ TextureContext benchContext() {
 
 bool writeLogin(const cDIBSection& dib, const TextureContext& context, BusyHost& busy,
                 UiServices& ui) {
-    const QString file = QString::fromLatin1(kLoginScreen.file);
-    return WriteTexture(context.gameFolder + QString::fromLatin1(kLoginScreen.folder), file, file,
-                        dib, kScreenTextureSize, kScreenTextureSize, true, kScreenWidth,
-                        kScreenHeight, QString::fromLatin1(kLoginScreen.texPath), false, nullptr,
-                        true, context, busy, ui);
+    return WriteTexture(TextureRequest::Screen(kLoginScreen, context.gameFolder, dib), context,
+                        busy, ui);
 }
 
 // Writing the login screen uncompressed: 4 MB of rows into the container.

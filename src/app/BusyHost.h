@@ -27,6 +27,21 @@ public:
     virtual bool RandomizerMode() const = 0;
 };
 
+// Enters the busy state for the length of a scope and leaves it on every way
+// out, so an early return can never leave the window locked.
+class BusyScope {
+public:
+    BusyScope(BusyHost& host, bool Cancellable, long Maximum, const QString& Text) : host_(host) {
+        host_.SetBusy(true, Cancellable, Maximum, Text);
+    }
+    ~BusyScope() { host_.SetBusy(false, false, 0, QString()); }
+    BusyScope(const BusyScope&) = delete;
+    BusyScope& operator=(const BusyScope&) = delete;
+
+private:
+    BusyHost& host_;
+};
+
 // A BusyHost with no window: keeps the flags and lets pending events run on
 // each progress report. Used by the randomizer run before any window shows,
 // by command-line tools and by tests.

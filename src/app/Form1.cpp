@@ -17,6 +17,7 @@
 #include "randomizer/RunRandomizer.h"
 #include "texture/CatalogueLoader.h"
 #include "texture/ScreensTab.h"
+#include "texture/TextureWriter.h"
 #include "texture/TexturesTab.h"
 
 #include <QAbstractButton>
@@ -49,7 +50,8 @@ Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
     // Finished downloads become textures the way every tab writes pictures.
     downloads_ = new OnlineDownloads(ui_, *this, this);
     buildWindow();
-    downloads_->SetTextureApplier(MakeOnlineTextureApplier(*this));
+    downloads_->SetTextureApplier(MakeOnlineTextureApplier(
+        images_.cDib, [this] { return TextureWriteContext(); }, *this, ui_));
 }
 
 Form1::~Form1() = default;
@@ -104,7 +106,10 @@ void Form1::buildWindow() {
     connect(downloads_, &OnlineDownloads::DataArrived, this, &Form1::noteDownloadData);
     connect(downloads_, &OnlineDownloads::Finished, this, &Form1::downloadsFinished);
     connect(musicTab_, &MusicTab::ButtonsMayChange, this, &Form1::UpdateButtons);
-    connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_, &TexturesTab::SSTab1_Click);
+    connect(SSTab1_, &QTabWidget::currentChanged, texturesTab_,
+            [this] { texturesTab_->SSTab1_Click(SSTab1_->currentWidget() == texturesTab_); });
+    // The Textures tab reloads the lists the Online tab's chooser shows.
+    connect(texturesTab_, &TexturesTab::CatalogueReloaded, onlineTab_, &OnlineTab::showSlotList);
 }
 
 QString Form1::CommandLine() const {
@@ -113,6 +118,18 @@ QString Form1::CommandLine() const {
 
 QString Form1::GameFolder() const {
     return settingsTab_->GameFolder();
+}
+
+TextureContext Form1::TextureWriteContext() const {
+    return MakeTextureContext(GameFolder(), settingsTab_->CompressTextures());
+}
+
+QString Form1::ScreenWidthText() const {
+    return settingsTab_->ScreenWidthText();
+}
+
+QString Form1::ScreenHeightText() const {
+    return settingsTab_->ScreenHeightText();
 }
 
 void Form1::Form_Load() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BusyHost.h"
+#include "TabHost.h"
 #include "image/SharedImages.h"
 
 #include <QStringList>
@@ -25,8 +26,9 @@ class UiServices;
 
 // The one window: the tabs, the progress bar and the Close/Cancel button. It
 // wires the tabs together and holds what they share (the game folder, the busy
-// state, the save-button rules); each tab's own work lives in its tab class.
-class Form1 : public QWidget, public BusyHost {
+// state, the save-button rules), which the tabs reach through TabHost; the
+// work itself lives in the core operations the tabs call.
+class Form1 : public QWidget, public BusyHost, public TabHost {
     Q_OBJECT
 public:
     // `arguments` are the command-line arguments after the program name.
@@ -49,20 +51,25 @@ public:
     // The command line as one text, each argument that holds a blank quoted.
     QString CommandLine() const;
 
-    UiServices& Ui() { return ui_; }
     // The five online slots' downloads, shared by the Online tab and the
     // randomizer's daily refresh.
     OnlineDownloads& Downloads() { return *downloads_; }
     SettingsTab& Settings() { return *settingsTab_; }
-    SharedImages& Images() { return images_; }
+
+    // TabHost
+    UiServices& Ui() override { return ui_; }
+    SharedImages& Images() override { return images_; }
     // The texture catalogue's lists and the textures of the category last
     // loaded, shared by the Textures and Online tabs.
-    CatalogueLoader& Catalogue() { return *catalogue_; }
-    QString GameFolder() const;
-
+    CatalogueLoader& Catalogue() override { return *catalogue_; }
+    QString GameFolder() const override;
+    BusyHost& Busy() override { return *this; }
+    TextureContext TextureWriteContext() const override;
+    QString ScreenWidthText() const override;
+    QString ScreenHeightText() const override;
     // The one enabling procedure for the save buttons of the Screens,
     // Randomizer and Music tabs; run after anything that may change them.
-    void UpdateButtons();
+    void UpdateButtons() override;
 
     // BusyHost
     void SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Text) override;

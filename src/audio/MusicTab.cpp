@@ -1,5 +1,6 @@
 #include "MusicTab.h"
 
+#include "MusicInstall.h"
 #include "MusicTables.h"
 #include "MusicWriter.h"
 #include "SoundConversion.h"
@@ -32,9 +33,6 @@ const QString kNoDecoderMessage = QStringLiteral("No suitable decoder for this f
                                                  "Make sure the 'Protect music' box is disabled\r\n"
                                                  "in Windows Media Player's Rip Music tab\r\n"
                                                  "before ripping music from a CD.");
-
-const QString kNoGameFolderMessage =
-    QStringLiteral("The game folder was not found. Choose it on the Settings tab first.");
 
 constexpr int kBoomBoxColumns = 5;
 
@@ -194,41 +192,14 @@ void MusicTab::sndFolder_Click() {
     sndFile_->setText(sndFolder_->isChecked() ? ReturnPath(Tag(sndFile_)) : Tag(sndFile_));
 }
 
-bool MusicTab::ConvertSound(const QString& Source) {
-    if (!decoder_ || !encoder_)
-        return false;
-    return ::ConvertSound(*decoder_, *encoder_, busy_, Source, ConvertedSoundPath());
-}
-
 void MusicTab::sndSave_Click() {
-    // Music is only ever written inside the game's own folder.
-    const QString game = gameFolder_();
-    if (game.isEmpty() || !QFileInfo(game).isDir()) {
-        ui_.Message(kNoGameFolderMessage, MsgIcon::Exclamation);
-        return;
-    }
     sndSave_->setEnabled(false);
-    const QString text = sndFile_->text();
-    const QFileInfo shown(text);
-    const QString name = shown.isFile() ? shown.fileName() : QString();
-    busy_.SetBusy(true, true, 0, QStringLiteral("Converting ") + name + QStringLiteral("..."));
-
-    QString source;
-    if (text.right(4).toLower() != u".ogg")
-        source = ConvertSound(text) ? ConvertedSoundPath() : QString();
-    else
-        source = text;
-
-    if (!source.isEmpty()) {
-        MusicBoxStates states;
-        for (const QCheckBox* box : trackBoxes())
-            states.insert(box->objectName(), box->checkState());
-        WriteMusicTargets(source, game, states);
-        for (QCheckBox* box : trackBoxes())
-            box->setCheckState(states.value(box->objectName()));
-    } else if (!busy_.CancelRequested()) {
-        ui_.Message(QStringLiteral("Sound file conversion failed."), MsgIcon::Exclamation);
-    }
-    busy_.SetBusy(false, false, 0, QString());
+    MusicBoxStates states;
+    for (const QCheckBox* box : trackBoxes())
+        states.insert(box->objectName(), box->checkState());
+    InstallMusic(sndFile_->text(), gameFolder_(), states, decoder_.get(), encoder_.get(), busy_,
+                 ui_);
+    for (QCheckBox* box : trackBoxes())
+        box->setCheckState(states.value(box->objectName()));
     Q_EMIT ButtonsMayChange();
 }

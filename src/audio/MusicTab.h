@@ -36,9 +36,6 @@ public:
     void sndFolder_Click();
     void sndSave_Click();
 
-    // Decodes Source into the temporary "converted.ogg".
-    bool ConvertSound(const QString& Source);
-
 Q_SIGNALS:
     // A box or the source changed; the window re-runs its enabling procedure.
     void ButtonsMayChange();

@@ -44,6 +44,9 @@ public:
     void webRegFile_Click();
     void webImport_Click();
 
+    // Goes back from the texture chooser to the slot list.
+    void showSlotList();
+
 private:
     // One slot's row of the slot list.
     struct SlotRow {
@@ -56,7 +59,6 @@ private:
     QGroupBox* buildSlotList();
     QGroupBox* buildChooser();
     QGroupBox* buildWebOperations();
-    void showSlotList();
     // The slot the chooser was opened for, from the Tag of "Pick This
     // Texture"; -1 when the Tag names no slot.
     int editedSlot() const;

@@ -1,22 +1,23 @@
 #include "OnlineTextureApplier.h"
 
-#include "app/Form1.h"
 #include "image/LoadImage.h"
-#include "image/SharedImages.h"
-#include "texture/Catalogue.h"
-#include "texture/FormTextureWrite.h"
+#include "image/cDIBSection.h"
+#include "texture/TextureWriter.h"
 
-OnlineDownloads::TextureApplier MakeOnlineTextureApplier(Form1& form) {
-    return [&form](const QString& TempFilePath, int Width, int Height, const QString& Path,
-                   const QString& File) {
-        cDIBSection& image = form.Images().cDib;
+OnlineDownloads::TextureApplier MakeOnlineTextureApplier(cDIBSection& image,
+                                                         std::function<TextureContext()> context,
+                                                         BusyHost& busy, UiServices& ui) {
+    return [&image, context = std::move(context), &busy,
+            &ui](const QString& TempFilePath, int Width, int Height, const QString& Path,
+                 const QString& File) {
         // A download that is no picture has been reported by the loader; the
         // previous picture is not written in its place.
-        if (!LoadImage(TempFilePath, image, Width, Height, form, form.Ui()))
+        if (!LoadImage(TempFilePath, image, Width, Height, busy, ui))
             return true;
         // The failure message is the downloads' own, shown once per slot.
-        return WriteFormTexture(form, TextureSaveFolder(form.GameFolder(), Path), File, File,
-                                image, Width, Height, true, Width, Height, Path + u'/', false,
-                                nullptr, false);
+        const TextureContext now = context();
+        return WriteTexture(
+            TextureRequest::OnlineSlot(now.gameFolder, Path, File, Width, Height, image), now, busy,
+            ui);
     };
 }

@@ -2,9 +2,16 @@
 
 #include "OnlineDownloads.h"
 
-class Form1;
+#include <functional>
 
-// Writes finished downloads as textures the way every tab writes pictures:
-// loaded into the window's shared image at the texture's size, then written
-// with the player's compression setting into the game folder.
-OnlineDownloads::TextureApplier MakeOnlineTextureApplier(Form1& form);
+class BusyHost;
+class UiServices;
+class cDIBSection;
+struct TextureContext;
+
+// Writes finished downloads as textures the way every picture is written:
+// loaded into `image` at the texture's size, then written with the texture
+// context of that moment (the window's settings, or the command line's).
+OnlineDownloads::TextureApplier MakeOnlineTextureApplier(cDIBSection& image,
+                                                         std::function<TextureContext()> context,
+                                                         BusyHost& busy, UiServices& ui);

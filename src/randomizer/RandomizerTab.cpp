@@ -2,14 +2,14 @@
 
 #include "LibraryFolder.h"
 #include "app/ControlTag.h"
-#include "app/Form1.h"
 #include "app/PathUtils.h"
+#include "app/TabHost.h"
 #include "app/UiServices.h"
-#include "image/FrameOverlay.h"
 #include "image/ImageOpenDialog.h"
-#include "texture/FormTextureWrite.h"
+#include "image/SharedImages.h"
 #include "texture/ScreenTargets.h"
 #include "texture/ScreensTab.h"
+#include "texture/TextureWriter.h"
 
 #include <QCheckBox>
 #include <QFileInfo>
@@ -20,24 +20,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-// A library half: its button's caption, the screen whose frame it takes, and
-// its folder below the game folder.
-struct RandomizerTab::Half {
-    const char* caption;
-    const ScreenTarget& screen;
-    const char* library;
-};
-
-namespace {
-
-const RandomizerTab::Half kLoginHalf{"Add to login screen", kLoginScreen, "/Kelvaris/RandomHL/"};
-const RandomizerTab::Half kCharacterHalf{"Add to character selection screen", kCharacterScreen,
-                                         "/Kelvaris/RandomHC/"};
-
-} // namespace
-
-RandomizerTab::RandomizerTab(Form1& form, ScreensTab& screens, QWidget* parent)
-    : QWidget(parent), form_(form), screens_(screens) {
+RandomizerTab::RandomizerTab(TabHost& host, ScreensTab& screens, QWidget* parent)
+    : QWidget(parent), host_(host), screens_(screens) {
     setObjectName(QStringLiteral("RandomizerTab"));
 
     auto* rndFrame = new QGroupBox(QStringLiteral("Source image"), this);
@@ -87,7 +71,7 @@ void RandomizerTab::UpdateButtons(const QString& gameFolder) {
 }
 
 void RandomizerTab::rndBrowse_Click() {
-    const QString chosen = BrowseImage(form_.Ui());
+    const QString chosen = BrowseImage(host_.Ui());
     if (chosen.isEmpty())
         return;
     SetTag(rndFile_, chosen);
@@ -95,35 +79,45 @@ void RandomizerTab::rndBrowse_Click() {
     // The picture is held in the screen image the Screens tab shows too.
     if (screens_.LoadScreenImage(chosen))
         screens_.SetImageFile(chosen);
-    form_.UpdateButtons();
+    host_.UpdateButtons();
 }
 
 void RandomizerTab::rndFolder_Click() {
     rndFile_->setText(rndFolder_->isChecked() ? ReturnPath(Tag(rndFile_)) : Tag(rndFile_));
-    form_.UpdateButtons();
+    host_.UpdateButtons();
 }
 
 void RandomizerTab::rndSaveHL_Click() {
-    save(kLoginHalf);
+    save(LibraryHalf::Login);
 }
 
 void RandomizerTab::rndSaveHC_Click() {
-    save(kCharacterHalf);
+    save(LibraryHalf::Character);
 }
 
 void RandomizerTab::AddRandomImageHL(const QString& FileName) {
-    addRandomImage(kLoginHalf, FileName);
+    addRandomImage(LibraryHalf::Login, FileName);
 }
 
 void RandomizerTab::AddRandomImageHC(const QString& FileName) {
-    addRandomImage(kCharacterHalf, FileName);
+    addRandomImage(LibraryHalf::Character, FileName);
 }
 
-QPushButton* RandomizerTab::buttonFor(const Half& half) const {
-    return &half == &kLoginHalf ? rndSaveHL_ : rndSaveHC_;
+QPushButton* RandomizerTab::buttonFor(LibraryHalf half) const {
+    return half == LibraryHalf::Login ? rndSaveHL_ : rndSaveHC_;
 }
 
-void RandomizerTab::save(const Half& half) {
+LibraryAdd RandomizerTab::libraryAdd(LibraryHalf half) const {
+    LibraryAdd add;
+    add.half = half;
+    if (screens_.FramesOn())
+        add.frameFile = screens_.FrameFile(HalfInfo(half).screen);
+    // The picture is held in the screen image the Screens tab shows too.
+    add.image = host_.Images().screenImage;
+    return add;
+}
+
+void RandomizerTab::save(LibraryHalf half) {
     if (!rndFolder_->isChecked()) {
         // The name as the folder has it, so the library entry matches the file.
         const QFileInfo file(ResolveExistingCase(Tag(rndFile_)));
@@ -134,38 +128,29 @@ void RandomizerTab::save(const Half& half) {
     }
 
     const QString folder = rndFile_->text();
-    const FolderPictures pictures = ListFolderPictures(folder);
-    if (pictures.reachedLimit)
-        form_.Ui().Message(QStringLiteral("Kelvaris will only process the first 1000 images."),
-                           MsgIcon::None);
     QPushButton* button = buttonFor(half);
-    const qsizetype count = pictures.names.size();
-    for (qsizetype i = 0; i < count; ++i) {
-        button->setText(QStringLiteral("Image %1 of %2").arg(i + 1).arg(count));
-        const QString& name = pictures.names[i];
-        if (screens_.LoadScreenImage(folder + u'/' + name, i + 1 == count))
-            addRandomImage(half, name);
-    }
-    button->setText(QString::fromLatin1(half.caption));
-    if (count == 0)
+    LibraryAdd add = libraryAdd(half);
+    QString last;
+    add.load = [this, &last](const QString& FileName, bool lastOne) {
+        last = FileName;
+        return screens_.LoadScreenImage(FileName, lastOne);
+    };
+    add.step = [button](qsizetype i, qsizetype n) {
+        button->setText(QStringLiteral("Image %1 of %2").arg(i).arg(n));
+    };
+    AddFolderToLibrary(add, folder, host_.TextureWriteContext(), host_.Busy(), host_.Ui());
+    button->setText(QString::fromLatin1(HalfInfo(half).caption));
+    if (last.isEmpty())
         return; // nothing was loaded: the Screens tab keeps its picture
     screens_.UpdatePreviews();
-    const QString last = folder + u'/' + pictures.names.last();
     screens_.SetImageFile(last);
     SetTag(rndFile_, last);
 }
 
-void RandomizerTab::addRandomImage(const Half& half, const QString& FileName) {
+void RandomizerTab::addRandomImage(LibraryHalf half, const QString& FileName) {
     QPushButton* button = buttonFor(half);
     button->setEnabled(false);
-    SharedImages& images = form_.Images();
-    const auto picture = screens_.FramesOn()
-                             ? ApplyFrame(screens_.FrameFile(half.screen), images.screenImage)
-                             : images.screenImage;
-    const QString library = form_.GameFolder() + QString::fromLatin1(half.library);
-    if (!WriteFormTexture(form_, library, QStringLiteral("coh"), FileName, *picture,
-                          kScreenTextureSize, kScreenTextureSize, false, 0, 0, QString(), false,
-                          nullptr, true))
-        form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
+    WriteLibraryEntry(libraryAdd(half), FileName, host_.TextureWriteContext(), host_.Busy(),
+                      host_.Ui());
     button->setEnabled(true);
 }

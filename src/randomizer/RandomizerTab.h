@@ -1,9 +1,10 @@
 #pragma once
 
+#include "LibraryOperations.h"
+
 #include <QWidget>
 
-struct ScreenTarget;
-class Form1;
+class TabHost;
 class QCheckBox;
 class QLineEdit;
 class QPushButton;
@@ -14,7 +15,7 @@ class ScreensTab;
 class RandomizerTab : public QWidget {
     Q_OBJECT
 public:
-    RandomizerTab(Form1& form, ScreensTab& screens, QWidget* parent = nullptr);
+    RandomizerTab(TabHost& host, ScreensTab& screens, QWidget* parent = nullptr);
 
     // The Randomizer rule of the window's UpdateButtons: both buttons are
     // enabled when a game folder and a picture (or folder) are chosen.
@@ -30,15 +31,13 @@ public:
     void rndSaveHL_Click();
     void rndSaveHC_Click();
 
-    // A library half and the button that adds to it.
-    struct Half;
-
 private:
-    QPushButton* buttonFor(const Half& half) const;
-    void save(const Half& half);
-    void addRandomImage(const Half& half, const QString& FileName);
+    QPushButton* buttonFor(LibraryHalf half) const;
+    LibraryAdd libraryAdd(LibraryHalf half) const;
+    void save(LibraryHalf half);
+    void addRandomImage(LibraryHalf half, const QString& FileName);
 
-    Form1& form_;
+    TabHost& host_;
     ScreensTab& screens_;
     QLineEdit* rndFile_;
     QPushButton* rndBrowse_;

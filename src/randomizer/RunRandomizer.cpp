@@ -1,6 +1,7 @@
 #include "RunRandomizer.h"
 
 #include "ChatClientLauncher.h"
+#include "LibraryOperations.h"
 #include "RandomFile.h"
 #include "RandomizerArguments.h"
 #include "app/PathUtils.h"
@@ -9,41 +10,26 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <span>
-
-namespace {
-
-// A library half and the game screen it replaces.
-struct RandomScreen {
-    const char* library; // below the game folder
-    const char* key;     // setting that remembers the last pick
-    const ScreenTarget& target;
-};
-
-const RandomScreen kRandomScreens[] = {
-    {"/Kelvaris/RandomHL", "RandomHL", kLoginScreen},
-    {"/Kelvaris/RandomHC", "RandomHC", kCharacterScreen},
-};
-
-} // namespace
 
 void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
     const QString arguments = PassThroughArguments(CommandLine);
     // Without a game folder there is nowhere Kelvaris may write; the client
     // lookup below then tells the player.
-    for (const RandomScreen& screen :
-         GameFolder.isEmpty() ? std::span<const RandomScreen>() : std::span(kRandomScreens)) {
+    for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character}) {
+        if (GameFolder.isEmpty())
+            break;
+        const LibraryHalfInfo& info = HalfInfo(half);
         const QString library =
-            ResolveExistingCase(GameFolder + QString::fromLatin1(screen.library));
+            ResolveExistingCase(GameFolder + QString::fromLatin1(info.folder).chopped(1));
         if (!QFileInfo(library).isDir())
             continue; // no library for this screen: the game keeps its background
-        const QString target = GameFolder + QString::fromLatin1(screen.target.folder);
+        const QString target = GameFolder + QString::fromLatin1(info.screen.folder);
         MakePath(target);
-        const QString pick = RandomFile(library + u'/', QString::fromLatin1(screen.key));
+        const QString pick = RandomFile(library + u'/', QString::fromLatin1(info.lastPick));
         if (pick.isEmpty())
             continue;
-        CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(screen.target.file),
-                         ResolveExistingCase(target), QString::fromLatin1(screen.target.texPath));
+        CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(info.screen.file),
+                         ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath));
     }
     // The client starts in the game folder, as it would from its own shortcut.
     if (!GameFolder.isEmpty())

@@ -24,18 +24,6 @@ constexpr int kProgressStep = 64;
 // A texture header longer than this is not believed.
 constexpr qint64 kMaxTextureStart = 64 * 1024;
 
-// Leaves the busy state on every way out of the build.
-class BusyScope {
-public:
-    explicit BusyScope(BusyHost& host) : host_(host) {}
-    ~BusyScope() { host_.SetBusy(false, false, 0, QString()); }
-    BusyScope(const BusyScope&) = delete;
-    BusyScope& operator=(const BusyScope&) = delete;
-
-private:
-    BusyHost& host_;
-};
-
 // A texture found in an archive's directory, waiting for its size.
 struct FoundTexture {
     int archive = 0;
@@ -119,7 +107,6 @@ private:
 };
 
 bool Builder::readDirectories() {
-    host_.SetBusy(true, true, archives_.size(), QStringLiteral("Reading the game's archives..."));
     for (int a = 0; a < archives_.size(); ++a) {
         QFile file;
         ArchiveDirectory directory;
@@ -249,7 +236,8 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
 
     Builder builder(archives, host);
     {
-        BusyScope busy(host);
+        const BusyScope busy(host, true, archives.size(),
+                             QStringLiteral("Reading the game's archives..."));
         if (!builder.Run())
             return {false, QStringLiteral("Building the texture catalogue was cancelled; the "
                                           "catalogue was not changed.")};

@@ -29,6 +29,15 @@ struct CatalogueSelection {
 
     int Count() const { return int(names.size()); }
     QString ListLine(int i) const { return CatalogueListLine(names[i], widths[i], heights[i]); }
+    CatalogueEntry Entry(int i) const {
+        return {names[i], widths[i], heights[i], paths[i], files[i]};
+    }
+    QList<CatalogueEntry> Entries() const {
+        QList<CatalogueEntry> entries;
+        for (int i = 0; i < Count(); ++i)
+            entries.append(Entry(i));
+        return entries;
+    }
 };
 
 // Reads the whole catalogue file and keeps the textures of category

@@ -1,13 +1,12 @@
 #include "ScreensTab.h"
 
-#include "FormTextureWrite.h"
 #include "PreviewBox.h"
+#include "ScreenInstall.h"
 #include "ScreenTargets.h"
 #include "ScreensTabControls.h"
 #include "TextureWriter.h"
-#include "app/Form1.h"
 #include "app/PathUtils.h"
-#include "app/SettingsTab.h"
+#include "app/TabHost.h"
 #include "app/UiServices.h"
 #include "image/FrameOverlay.h"
 #include "image/ImageOpenDialog.h"
@@ -23,8 +22,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-ScreensTab::ScreensTab(Form1& form, SharedImages& images, QWidget* parent)
-    : QWidget(parent), form_(form), images_(images) {
+ScreensTab::ScreensTab(TabHost& host, SharedImages& images, QWidget* parent)
+    : QWidget(parent), host_(host), images_(images) {
     setObjectName(QStringLiteral("ScreensTab"));
 
     auto* pictureFrame = new QGroupBox(QStringLiteral("Image"), this);
@@ -73,18 +72,17 @@ void ScreensTab::UpdateButtons(const QString& gameFolder) {
 }
 
 void ScreensTab::scrBrowse_Click() {
-    const QString chosen = BrowseImage(form_.Ui());
+    const QString chosen = BrowseImage(host_.Ui());
     if (chosen.isEmpty())
         return;
     scrImage_->setText(chosen);
     LoadScreenImage(chosen);
-    form_.UpdateButtons();
+    host_.UpdateButtons();
 }
 
 bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
     auto makePreviews = [this](const cDIBSection& image) {
-        images_.previewWidth =
-            PreviewWidth(form_.Settings().ScreenWidthText(), form_.Settings().ScreenHeightText());
+        images_.previewWidth = PreviewWidth(host_.ScreenWidthText(), host_.ScreenHeightText());
         images_.previewLeft = (scrPreview_->width() - images_.previewWidth) / 2;
         auto preview = image.Resample(kPreviewHeight, images_.previewWidth);
         images_.previewSource =
@@ -93,8 +91,8 @@ bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
         images_.previewShown = 0;
         paintPreview();
     };
-    if (!LoadImage(FileName, *images_.screenImage, kScreenWidth, kScreenHeight, form_, form_.Ui(),
-                   DoPreviews ? PreviewMaker(makePreviews) : PreviewMaker()))
+    if (!LoadImage(FileName, *images_.screenImage, kScreenWidth, kScreenHeight, host_.Busy(),
+                   host_.Ui(), DoPreviews ? PreviewMaker(makePreviews) : PreviewMaker()))
         return false;
     if (DoPreviews)
         UpdatePreviews();
@@ -158,12 +156,7 @@ void ScreensTab::save(QPushButton* button, QLineEdit* frameBox, const ScreenTarg
     else
         images_.outputImage = ApplyFrame(frameBox->text(), images_.screenImage);
 
-    const QString file = QString::fromLatin1(target.file);
-    const bool written = WriteFormTexture(
-        form_, form_.GameFolder() + QString::fromLatin1(target.folder), file, file,
-        *images_.outputImage, kScreenTextureSize, kScreenTextureSize, true, kScreenWidth,
-        kScreenHeight, QString::fromLatin1(target.texPath), false, nullptr, true);
-    if (!written)
-        form_.Ui().Message(WriteErrorText(), MsgIcon::Exclamation);
+    WriteScreenPicture(target, *images_.outputImage, host_.TextureWriteContext(), host_.Busy(),
+                       host_.Ui());
     button->setEnabled(true);
 }

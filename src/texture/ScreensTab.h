@@ -4,7 +4,7 @@
 
 struct ScreenTarget;
 struct SharedImages;
-class Form1;
+class TabHost;
 class PreviewBox;
 class QCheckBox;
 class QGroupBox;
@@ -17,7 +17,7 @@ class QScrollBar;
 class ScreensTab : public QWidget {
     Q_OBJECT
 public:
-    ScreensTab(Form1& form, SharedImages& images, QWidget* parent = nullptr);
+    ScreensTab(TabHost& host, SharedImages& images, QWidget* parent = nullptr);
 
     // The Screens rule of the window's UpdateButtons: both save buttons are
     // enabled when a game folder and a picture are chosen.
@@ -73,7 +73,7 @@ private:
     QWidget* buildAdjustmentFrame();
     void remakeWorkingPreview(bool adjusted);
 
-    Form1& form_;
+    TabHost& host_;
     SharedImages& images_;
     QPushButton* scrBrowse_;
     QLineEdit* scrImage_;

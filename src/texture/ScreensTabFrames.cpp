@@ -3,8 +3,9 @@
 #include "PreviewBox.h"
 #include "ScreensTab.h"
 #include "ScreensTabControls.h"
-#include "app/Form1.h"
+#include "app/BusyHost.h"
 #include "app/PathUtils.h"
+#include "app/TabHost.h"
 #include "app/UiServices.h"
 #include "image/FrameOverlay.h"
 #include "image/LoadImage.h"
@@ -62,7 +63,7 @@ void ScreensTab::BrowseFrame(QLineEdit* box) {
     request.startFolder = ProgramFolder();
     request.proposedName = box->text();
     request.filter = QStringLiteral("Bitmap images (bmp,png,gif)|*.bmp;*.png;*.gif");
-    const QString chosen = form_.Ui().OpenFile(request);
+    const QString chosen = host_.Ui().OpenFile(request);
     if (chosen.isEmpty())
         return;
     const QImage picture = DecodePicture(chosen);
@@ -70,14 +71,14 @@ void ScreensTab::BrowseFrame(QLineEdit* box) {
     // screen image itself, which must not be overwritten.
     auto frame = std::make_shared<cDIBSection>();
     if (picture.isNull() || !frame->CreateFromPicture(picture)) {
-        form_.Ui().Message(QStringLiteral("Image could not be loaded."), MsgIcon::Exclamation);
+        host_.Ui().Message(QStringLiteral("Image could not be loaded."), MsgIcon::Exclamation);
         return;
     }
     images_.outputImage = frame;
     if (frame->Width() == kFrameWidth && frame->Height() == kFrameHeight)
         box->setText(chosen);
     else
-        form_.Ui().Message(QStringLiteral("Image is not 1024x768 pixels in size."),
+        host_.Ui().Message(QStringLiteral("Image is not 1024x768 pixels in size."),
                            MsgIcon::Exclamation);
 }
 
@@ -109,7 +110,7 @@ void ScreensTab::UpdatePreviews() {
         images_.previewHL = unframed;
         images_.previewHC = unframed;
     }
-    form_.SetBusy(false, false, 0, QString());
+    host_.Busy().SetBusy(false, false, 0, QString());
     paintPreview();
 }
 

@@ -179,19 +179,31 @@ void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, lon
     }
 }
 
-bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QString& FileName,
-                  const cDIBSection& cDib, long Width, long Height, bool Texture, long texWidth,
-                  long texHeight, const QString& texPath, bool Alpha, const cDIBSection* cDibAlpha,
-                  bool IsLoginScreen, const TextureContext& context, BusyHost& busy,
+QString WriteErrorText() {
+    return QStringLiteral("Error writing image. Please check file permissions.");
+}
+
+TextureContext MakeTextureContext(const QString& gameFolder, bool compress) {
+    TextureContext context;
+    context.workFolder = WorkFolder();
+    context.gameFolder = gameFolder;
+    context.compress = compress;
+    return context;
+}
+
+bool WriteTexture(const TextureRequest& request, const TextureContext& context, BusyHost& busy,
                   UiServices& ui) {
-    if (cDib.IsEmpty() || Width <= 0 || Height <= 0 || !isPlainName(FileName) ||
-        !isWritableFolder(SavePath, context.gameFolder, Texture))
+    const auto& [SavePath, FileName, SaveFile, texPath, cDibPointer, Width, Height, texWidth,
+                 texHeight, Texture, Alpha, cDibAlpha, IsLoginScreen] = request;
+    if (!cDibPointer || cDibPointer->IsEmpty() || Width <= 0 || Height <= 0 ||
+        !isPlainName(FileName) || !isWritableFolder(SavePath, context.gameFolder, Texture))
         return false;
+    const cDIBSection& cDib = *cDibPointer;
 
     MakePath(SavePath);
     const QString folder = withSlash(ResolveExistingCase(SavePath));
-    busy.SetBusy(true, false, Height,
-                 QStringLiteral("Writing ") + FileName + QStringLiteral("..."));
+    const BusyScope busyScope(busy, false, Height,
+                              QStringLiteral("Writing ") + FileName + QStringLiteral("..."));
 
     const QString work = withSlash(context.workFolder);
     const QString tgaFile = work + QStringLiteral("temp_tga.tga");
@@ -211,7 +223,6 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
         // A picture cut short by a full disk would be compressed as it is.
         if (tga.Failed) {
             removeQuietly(tgaFile);
-            busy.SetBusy(false, false, 0, QString());
             return false;
         }
         busy.SetProgressMaximum(100);
@@ -239,7 +250,6 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
                            "Error calling the NVIDIA tool!\r\nPlease disable Texture Compression."),
                        MsgIcon::Critical);
             CloseFileRecord(dds);
-            busy.SetBusy(false, false, 0, QString());
             return false;
         }
     } else {
@@ -284,7 +294,6 @@ bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QStrin
         WriteImageFile(output, cDib, Width, Height, Alpha, cDibAlpha, false, busy);
     }
 
-    busy.SetBusy(false, false, 0, QString());
     return CommitFileRecord(output);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TextureRequest.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -24,20 +26,21 @@ struct TextureContext {
     qint64 toolTimeOut = 2000000000;
 };
 
-// Writes cDib as the game texture SavePath + FileName + ".texture" (Texture
-// true: the container header naming texPath + SaveFile + ".dds", then a whole
-// DDS image) or as the bare SavePath + FileName + ".dds". The DDS image is
-// Width x Height; the container announces texWidth x texHeight. With Alpha,
-// the alpha channel is the blue of cDibAlpha. IsLoginScreen compresses
-// without mipmaps. False when a file could not be written (the caller shows
-// the message), or after the compressor produced nothing (shown here). The
-// busy state is entered here and left on the way out, except when the TGA
-// or the texture could not be opened: the caller then leaves it.
-bool WriteTexture(const QString& SavePath, const QString& SaveFile, const QString& FileName,
-                  const cDIBSection& cDib, long Width, long Height, bool Texture, long texWidth,
-                  long texHeight, const QString& texPath, bool Alpha, const cDIBSection* cDibAlpha,
-                  bool IsLoginScreen, const TextureContext& context, BusyHost& busy,
+// Writes the request's picture as the game texture SavePath + FileName +
+// ".texture" (Texture true: the container header naming texPath + SaveFile +
+// ".dds", then a whole DDS image) or as the bare SavePath + FileName + ".dds".
+// False when a file could not be written (the caller shows WriteErrorText()),
+// or after the compressor produced nothing (shown here). The busy state is
+// held for the length of the write and left on every way out.
+bool WriteTexture(const TextureRequest& request, const TextureContext& context, BusyHost& busy,
                   UiServices& ui);
+
+// The message for a texture that could not be written.
+QString WriteErrorText();
+
+// The writer's context for a game folder: Kelvaris's work folder, and
+// compression as asked.
+TextureContext MakeTextureContext(const QString& gameFolder, bool compress);
 
 // Writes one image into an open file: an 18-byte TGA header (AsTga) or the
 // 128-byte header of an uncompressed 32-bit DDS, then the rows top first as

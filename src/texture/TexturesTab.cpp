@@ -2,18 +2,16 @@
 
 #include "CatalogueBuilder.h"
 #include "CatalogueLoader.h"
-#include "FormTextureWrite.h"
 #include "ScreensTabControls.h"
-#include "app/Form1.h"
+#include "app/TabHost.h"
 #include "app/UiServices.h"
 #include "image/ImageOpenDialog.h"
 #include "image/LoadImage.h"
 #include "image/SharedImages.h"
+#include "texture/TextureWriter.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFile>
-#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -21,15 +19,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-const char* const kRestoreOne = "This will REMOVE the custom image you have\r\n"
-                                "placed in the selected Texture!\r\n\r\nAre you sure?";
-const char* const kRestoreAll = "This will REMOVE the custom images you have\r\n"
-                                "placed in the WHOLE Category!\r\n\r\nAre you sure?";
-
-QString noGameFolderText() {
-    return QStringLiteral("No game folder is set. Please choose it on the Settings tab first.");
-}
 
 QComboBox* makeList(const char* name, QWidget* parent) {
     auto* list = new QComboBox(parent);
@@ -40,7 +29,7 @@ QComboBox* makeList(const char* name, QWidget* parent) {
 
 } // namespace
 
-TexturesTab::TexturesTab(Form1& form, QWidget* parent) : QWidget(parent), form_(form) {
+TexturesTab::TexturesTab(TabHost& host, QWidget* parent) : QWidget(parent), host_(host) {
     setObjectName(QStringLiteral("TexturesTab"));
 
     auto* sourceFrame = new QGroupBox(QStringLiteral("Source image"), this);
@@ -97,8 +86,8 @@ TexturesTab::TexturesTab(Form1& form, QWidget* parent) : QWidget(parent), form_(
 
     connect(texBrowse_, &QPushButton::clicked, this, &TexturesTab::texBrowse_Click);
     connect(texAlphaBrowse_, &QPushButton::clicked, this, &TexturesTab::texAlphaBrowse_Click);
-    // Like the design's list, a selection made by the program raises the
-    // event too; the catalogue loader's flag absorbs the calls it causes.
+    // A selection made by the program raises the event too; the catalogue
+    // loader's flag absorbs the calls it causes.
     connect(texCategory_, &QComboBox::currentIndexChanged, this, &TexturesTab::texCategory_Click);
     connect(texSave_, &QPushButton::clicked, this, &TexturesTab::texSave_Click);
     connect(texReset_, &QPushButton::clicked, this, &TexturesTab::texReset_Click);
@@ -106,7 +95,7 @@ TexturesTab::TexturesTab(Form1& form, QWidget* parent) : QWidget(parent), form_(
 }
 
 void TexturesTab::reload(int category) {
-    form_.Catalogue().LoadCatalogue(category, texCategory_, texTexture_);
+    host_.Catalogue().LoadCatalogue(category, texCategory_, texTexture_);
 }
 
 bool TexturesTab::writeAll() const {
@@ -114,8 +103,8 @@ bool TexturesTab::writeAll() const {
     return texWriteAll_->checkState() != Qt::Unchecked;
 }
 
-void TexturesTab::SSTab1_Click(int index) {
-    if (index != kTabIndex) {
+void TexturesTab::SSTab1_Click(bool shown) {
+    if (!shown) {
         tabOpen_ = false;
         return;
     }
@@ -123,16 +112,11 @@ void TexturesTab::SSTab1_Click(int index) {
         return;
     tabOpen_ = true;
     reload(0);
-    // The Online tab's chooser shares the catalogue's arrays, which now
-    // describe another category: it goes back to its slot list.
-    if (auto* chooser = form_.findChild<QWidget*>(QStringLiteral("webTexFrame")))
-        chooser->hide();
-    if (auto* slots = form_.findChild<QWidget*>(QStringLiteral("webFileFrame")))
-        slots->show();
+    Q_EMIT CatalogueReloaded();
 }
 
 void TexturesTab::texBrowse_Click() {
-    const QString chosen = BrowseImage(form_.Ui());
+    const QString chosen = BrowseImage(host_.Ui());
     if (chosen.isEmpty())
         return;
     texInput_->setText(chosen);
@@ -140,7 +124,7 @@ void TexturesTab::texBrowse_Click() {
 }
 
 void TexturesTab::texAlphaBrowse_Click() {
-    const QString chosen = BrowseImage(form_.Ui());
+    const QString chosen = BrowseImage(host_.Ui());
     if (!chosen.isEmpty())
         texAlpha_->setText(chosen);
 }
@@ -151,42 +135,20 @@ void TexturesTab::texCategory_Click() {
         reload(category);
 }
 
+CustomTexture TexturesTab::source() {
+    SharedImages& images = host_.Images();
+    return {texInput_->text(), texAlpha_->text(), &images.cDib, &images.cDibMask};
+}
+
 bool TexturesTab::WriteCustomTexture(int i) {
-    const CatalogueSelection& catalogue = form_.Catalogue().Selection();
+    const CatalogueSelection& catalogue = host_.Catalogue().Selection();
     if (i < 0 || i >= catalogue.Count())
         return true;
-    UiServices& ui = form_.Ui();
-    const QString gameFolder = form_.GameFolder();
-    if (gameFolder.isEmpty()) {
-        ui.Message(noGameFolderText(), MsgIcon::Exclamation);
-        return false;
-    }
     // Copied: loading a picture runs the event loop, and nothing may change
-    // the arrays under the write.
-    const QString name = catalogue.names[i];
-    const int width = catalogue.widths[i];
-    const int height = catalogue.heights[i];
-    const QString folder = catalogue.paths[i];
-    const QString file = catalogue.files[i];
-    const QString SavePath = TextureSaveFolder(gameFolder, folder);
-    if (SavePath.isEmpty() || !IsSafeCatalogueEntry(folder, file)) {
-        ui.Message(QStringLiteral("The texture \"%1\" was not written: the catalogue places it "
-                                  "outside the game's data folder.")
-                       .arg(name),
-                   MsgIcon::Exclamation);
-        return true;
-    }
-
-    const bool useMask = !texAlpha_->text().isEmpty();
-    SharedImages& images = form_.Images();
-    if (!LoadImage(texInput_->text(), images.cDib, width, height, form_, ui))
-        return false;
-    if (useMask && !LoadImage(texAlpha_->text(), images.cDibMask, width, height, form_, ui))
-        return false;
-    if (!WriteFormTexture(form_, SavePath, file, file, images.cDib, width, height, true, width,
-                          height, folder + u'/', useMask, &images.cDibMask, false))
-        ui.Message(WriteErrorText(), MsgIcon::Exclamation);
-    return true;
+    // the lists under the write.
+    const CatalogueEntry entry = catalogue.Entry(i);
+    return WriteCatalogueTexture(entry, source(), host_.TextureWriteContext(), host_.Busy(),
+                                 host_.Ui());
 }
 
 void TexturesTab::texSave_Click() {
@@ -195,54 +157,38 @@ void TexturesTab::texSave_Click() {
         WriteCustomTexture(texTexture_->currentIndex());
         return;
     }
-    // Sizes differ between textures, so the picture is loaded again for each.
-    for (int i = 0; i < texTexture_->count(); ++i)
-        if (!WriteCustomTexture(i))
-            break;
+    WriteCatalogueTextures(host_.Catalogue().Selection().Entries(), source(),
+                           host_.TextureWriteContext(), host_.Busy(), host_.Ui());
 }
 
 void TexturesTab::texReset_Click() {
-    const CatalogueSelection& catalogue = form_.Catalogue().Selection();
-    const QString gameFolder = form_.GameFolder();
-    auto gameFile = [&](int i) {
-        if (i < 0 || i >= catalogue.Count())
-            return QString();
-        return TextureGameFile(gameFolder, catalogue.paths[i], catalogue.files[i]);
-    };
-    auto exists = [](const QString& path) { return !path.isEmpty() && QFileInfo(path).isFile(); };
-    auto remove = [this](const QString& path) {
-        if (!QFile::remove(path))
-            form_.Ui().Message(QStringLiteral("\"%1\" could not be deleted. Please check file "
-                                              "permissions.")
-                                   .arg(path),
-                               MsgIcon::Exclamation);
-    };
-
+    const CatalogueSelection& catalogue = host_.Catalogue().Selection();
+    const QString gameFolder = host_.GameFolder();
+    UiServices& ui = host_.Ui();
     if (!writeAll()) {
-        const QString path = gameFile(texTexture_->currentIndex());
-        if (exists(path) && form_.Ui().Message(QString::fromLatin1(kRestoreOne), MsgIcon::Question,
-                                               MsgButtons::YesNo) == MsgAnswer::Yes)
-            remove(path);
+        const int i = texTexture_->currentIndex();
+        if (i < 0 || i >= catalogue.Count())
+            return;
+        const QList<CatalogueEntry> one{catalogue.Entry(i)};
+        if (!ReplacedTextures(gameFolder, one).isEmpty() &&
+            ui.Message(RestoreOneQuestion(), MsgIcon::Question, MsgButtons::YesNo) ==
+                MsgAnswer::Yes)
+            RestoreCatalogueTextures(gameFolder, one, ui);
         return;
     }
-    if (form_.Ui().Message(QString::fromLatin1(kRestoreAll), MsgIcon::Question,
-                           MsgButtons::YesNo) != MsgAnswer::Yes)
+    if (ui.Message(RestoreAllQuestion(), MsgIcon::Question, MsgButtons::YesNo) != MsgAnswer::Yes)
         return;
-    for (int i = 0; i < texTexture_->count(); ++i) {
-        const QString path = gameFile(i);
-        if (exists(path))
-            remove(path);
-    }
+    RestoreCatalogueTextures(gameFolder, catalogue.Entries(), ui);
 }
 
 void TexturesTab::texBuild_Click() {
-    const QString gameFolder = form_.GameFolder();
+    const QString gameFolder = host_.GameFolder();
     if (gameFolder.isEmpty()) {
-        form_.Ui().Message(noGameFolderText(), MsgIcon::Exclamation);
+        host_.Ui().Message(NoGameFolderText(), MsgIcon::Exclamation);
         return;
     }
-    const CatalogueBuildResult result = BuildCatalogueFromGame(gameFolder, form_);
+    const CatalogueBuildResult result = BuildCatalogueFromGame(gameFolder, host_.Busy());
     if (!result.message.isEmpty())
-        form_.Ui().Message(result.message, MsgIcon::None);
+        host_.Ui().Message(result.message, MsgIcon::None);
     reload(0);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "CatalogueTextures.h"
+
 #include <QWidget>
 
-class Form1;
+class TabHost;
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
@@ -15,10 +17,7 @@ class QPushButton;
 class TexturesTab : public QWidget {
     Q_OBJECT
 public:
-    // Where the tab sits in SSTab1; entering it reloads the catalogue.
-    static constexpr int kTabIndex = 3;
-
-    explicit TexturesTab(Form1& form, QWidget* parent = nullptr);
+    explicit TexturesTab(TabHost& host, QWidget* parent = nullptr);
 
     // Writes the source picture (and the mask, when one is named) as texture
     // i of the loaded category. False when there is no point going on with
@@ -26,9 +25,9 @@ public:
     // (both already told).
     bool WriteCustomTexture(int i);
 
-    // SSTab1's tab change: entering this tab lists category 0 and closes the
-    // Online tab's texture chooser; leaving it lets the next visit reload.
-    void SSTab1_Click(int index);
+    // The window's tab change: entering this tab (shown true) lists category
+    // 0 and tells CatalogueReloaded; leaving it lets the next visit reload.
+    void SSTab1_Click(bool shown);
 
     void texBrowse_Click();
     void texAlphaBrowse_Click();
@@ -37,11 +36,17 @@ public:
     void texReset_Click();
     void texBuild_Click();
 
+Q_SIGNALS:
+    // The shared catalogue lists now describe another category: a texture
+    // chooser elsewhere (the Online tab's) goes back to its slot list.
+    void CatalogueReloaded();
+
 private:
     void reload(int category);
+    CustomTexture source();
     bool writeAll() const;
 
-    Form1& form_;
+    TabHost& host_;
     QLineEdit* texInput_;
     QPushButton* texBrowse_;
     QLineEdit* texAlpha_;

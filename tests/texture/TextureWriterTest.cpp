@@ -8,6 +8,7 @@
 #include "common/TestPictures.h"
 #include "image/LoadImage.h"
 #include "image/cDIBSection.h"
+#include "texture/Catalogue.h"
 #include "texture/ScreenTargets.h"
 
 #include <QDir>
@@ -41,10 +42,7 @@ protected:
         return loginFolder() + QStringLiteral("COH_LogInScreen_Background.texture");
     }
     bool writeLogin() {
-        const QString file = QString::fromLatin1(kLoginScreen.file);
-        return WriteTexture(loginFolder(), file, file, dib, 1024, 1024, true, 1024, 768,
-                            QString::fromLatin1(kLoginScreen.texPath), false, nullptr, true,
-                            context, busy, ui);
+        return WriteTexture(TextureRequest::Screen(kLoginScreen, game, dib), context, busy, ui);
     }
 
     // A JPEG loaded to the screen size, as the Screens tab does.
@@ -126,8 +124,12 @@ TEST_F(TextureWriterTest, BareDdsTakesAlphaFromTheMaskBlueAndPadsANarrowBitmap) 
             mask.Row(y)[3 * x] = quint8(x * 100 + y); // only blue counts
         }
     const QString folder = game + QStringLiteral("/Kelvaris/RandomHL/");
-    ASSERT_TRUE(WriteTexture(folder, QStringLiteral("coh"), QStringLiteral("pic 1"), dib, 4, 2,
-                             false, 0, 0, QString(), true, &mask, true, context, busy, ui));
+    TextureRequest request = TextureRequest::LibraryEntry(folder, QStringLiteral("pic 1"), dib);
+    request.Width = 4;
+    request.Height = 2;
+    request.Alpha = true;
+    request.cDibAlpha = &mask;
+    ASSERT_TRUE(WriteTexture(request, context, busy, ui));
     const QByteArray bytes = readFile(folder + QStringLiteral("pic 1.dds"));
     ASSERT_EQ(bytes.size(), 128 + 2 * 16); // no container header
     EXPECT_EQ(bytes.mid(128, 16),
@@ -178,9 +180,14 @@ TEST_P(Refusals, WriteNothing) {
         context.gameFolder.clear();
     if (c.dataIsAFile)
         writeFile(QStringLiteral("game/data"), "not a folder");
-    EXPECT_FALSE(WriteTexture(root() + u'/' + QString::fromLatin1(c.savePath), QStringLiteral("x"),
-                              QString::fromLatin1(c.fileName), dib, 4, 4, true, 4, 4,
-                              QStringLiteral("t/"), false, nullptr, false, context, busy, ui));
+    TextureRequest request;
+    request.SavePath = root() + u'/' + QString::fromLatin1(c.savePath);
+    request.FileName = QString::fromLatin1(c.fileName);
+    request.SaveFile = QStringLiteral("x");
+    request.texPath = QStringLiteral("t/");
+    request.cDib = &dib;
+    request.Width = request.Height = request.texWidth = request.texHeight = 4;
+    EXPECT_FALSE(WriteTexture(request, context, busy, ui));
     QStringList written = QDir(root()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     for (const char* ours : {"work", "cache", "config"})
         written.removeAll(QString::fromLatin1(ours));
@@ -284,9 +291,11 @@ TEST_P(CompressedTextures, CarryMipmapsAndTheMaskAsAlpha) {
             mask.Row(y)[3 * x] = 255; // left half transparent
     context.compress = true;
     const QString folder = game + QStringLiteral("/data/texture_library/icons/");
-    ASSERT_TRUE(WriteTexture(folder, QStringLiteral("icon"), QStringLiteral("icon"), dib, 64, 64,
-                             true, 64, 64, QStringLiteral("icons/"), alpha, &mask, false, context,
-                             busy, ui));
+    const CatalogueEntry icon{QStringLiteral("Icon"), 64, 64,
+                              QStringLiteral("texture_library/icons"), QStringLiteral("icon")};
+    ASSERT_TRUE(
+        WriteTexture(TextureRequest::CatalogueTexture(game, icon, dib, alpha ? &mask : nullptr),
+                     context, busy, ui));
     const QByteArray bytes = readFile(folder + QStringLiteral("icon.texture"));
     const QByteArray dds = bytes.mid(u32(bytes, 0), u32(bytes, 4));
     // 64, 32, 16, 8, 4, 2 and 1 pixels: 343 blocks of 16 (BC3) or 8 (BC1) bytes.

@@ -64,7 +64,9 @@ protected:
     void writeCatalogue(const QByteArray& text) {
         writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), text);
     }
-    void enterTab() { control<QTabWidget>("SSTab1")->setCurrentIndex(TexturesTab::kTabIndex); }
+    void enterTab() {
+        control<QTabWidget>("SSTab1")->setCurrentWidget(form->findChild<TexturesTab*>());
+    }
     void click(const char* button) { control<QPushButton>(button)->click(); }
 
     static QStringList items(const QComboBox* list) {
@@ -137,10 +139,10 @@ TEST_F(TexturesTabTest, OnlyASourcePictureEnablesSave) {
 }
 
 TEST_F(TexturesTabTest, EnteringTheTabReadsTheCatalogueAndClosesTheOnlineChooser) {
-    auto* chooser = new QGroupBox(form.get()); // the Online tab's two faces
-    chooser->setObjectName(QStringLiteral("webTexFrame"));
-    auto* slotList = new QGroupBox(form.get());
-    slotList->setObjectName(QStringLiteral("webFileFrame"));
+    // The Online tab's two faces, its chooser open.
+    auto* chooser = control<QGroupBox>("webTexFrame");
+    auto* slotList = control<QGroupBox>("webFileFrame");
+    chooser->show();
     slotList->hide();
 
     EXPECT_EQ(category->count(), 0);
@@ -152,7 +154,7 @@ TEST_F(TexturesTabTest, EnteringTheTabReadsTheCatalogueAndClosesTheOnlineChooser
 
     // Staying on the tab does not read the file again; coming back does.
     writeCatalogue("1\r\n\"Other\",0\r\n");
-    tab->SSTab1_Click(TexturesTab::kTabIndex);
+    tab->SSTab1_Click(true);
     EXPECT_EQ(category->count(), 3);
     control<QTabWidget>("SSTab1")->setCurrentIndex(0);
     enterTab();

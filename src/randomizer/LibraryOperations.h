@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+class BusyHost;
+class UiServices;
+class cDIBSection;
+struct ScreenTarget;
+struct TextureContext;
+
+// The library of prepared backgrounds from which the randomizer run picks:
+// one half for the login screen, one for the character-selection screen.
+
+enum class LibraryHalf { Login, Character };
+
+struct LibraryHalfInfo {
+    const char* name;    // "login", "character"
+    const char* caption; // the Randomizer tab's button
+    const ScreenTarget& screen;
+    const char* folder;   // below the game folder
+    const char* lastPick; // the setting that remembers the randomizer's last pick
+};
+
+const LibraryHalfInfo& HalfInfo(LibraryHalf half);
+// "login" or "character" (any letter case); nothing for another word.
+bool HalfNamed(const QString& name, LibraryHalf& half);
+
+// The half's folder in the game: game folder + "/Kelvaris/RandomHL/" ...
+QString LibraryFolderOf(const QString& gameFolder, LibraryHalf half);
+
+// How pictures are added to a half.
+struct LibraryAdd {
+    LibraryHalf half = LibraryHalf::Login;
+    QString frameFile; // a frame laid over each picture; "" for none
+    // Where each picture is loaded, at the screen size.
+    std::shared_ptr<cDIBSection> image;
+    // Loads one picture into `image`; `last` is set for the last of a folder.
+    // By default the picture is loaded at the screen size and nothing else.
+    std::function<bool(const QString& FileName, bool last)> load;
+    // Told before each picture of a folder: the tab shows "Image i of n".
+    std::function<void(qsizetype i, qsizetype n)> step;
+};
+
+// Writes the picture now in `add.image`, framed as asked, as the library
+// entry FileName. "Error writing image. Please check file permissions." when
+// it could not be written.
+bool WriteLibraryEntry(const LibraryAdd& add, const QString& FileName,
+                       const TextureContext& context, BusyHost& busy, UiServices& ui);
+
+// Loads one picture and adds it under its own file name.
+bool AddPictureToLibrary(const LibraryAdd& add, const QString& PictureFile,
+                         const TextureContext& context, BusyHost& busy, UiServices& ui);
+
+// Adds the pictures of a folder in the order it lists them, at most 1000
+// (the player is told when there are more); a picture that cannot be loaded
+// is reported and passed over. Returns how many were added.
+int AddFolderToLibrary(const LibraryAdd& add, const QString& Folder, const TextureContext& context,
+                       BusyHost& busy, UiServices& ui);
+
+// The entries of a half, in the order the folder lists them.
+QStringList ListLibrary(const QString& gameFolder, LibraryHalf half);
