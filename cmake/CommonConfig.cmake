@@ -4,7 +4,14 @@ set(CMAKE_AUTOMOC ON)
 
 add_library(kelvaris_options INTERFACE)
 target_compile_features(kelvaris_options INTERFACE cxx_std_20)
-target_compile_options(kelvaris_options INTERFACE -Wall -Wextra)
+# Warnings are errors: the code holds this stricter set, and keeps holding it.
+option(KELVARIS_WERROR "Treat compiler warnings as errors" ON)
+target_compile_options(kelvaris_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Wcast-qual -Woverloaded-virtual -Wformat=2
+    -Wimplicit-fallthrough -Wmissing-declarations)
+if(KELVARIS_WERROR)
+    target_compile_options(kelvaris_options INTERFACE -Werror)
+endif()
 target_compile_definitions(kelvaris_options INTERFACE
     QT_NO_CONTEXTLESS_CONNECT
     QT_NO_KEYWORDS

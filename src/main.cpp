@@ -3,22 +3,32 @@
 #include "app/RealUiServices.h"
 #include "app/StaleTemporaries.h"
 #include "app/StartUp.h"
+#include "cli/CommandLine.h"
 #include "randomizer/RunRandomizer.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 
 int main(int argc, char* argv[]) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);
     const QString commandLine = JoinCommandLine(arguments);
+    const bool randomizer = IsRandomizerCommandLine(commandLine);
+
+    // A command runs without any window system: no display is needed.
+    if (!randomizer && IsCommandLine(arguments)) {
+        QCoreApplication app(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("Kelvaris"));
+        RemoveStaleTemporariesAtStart(StartGameFolder());
+        return RunCommandLine(arguments);
+    }
 
     RealUiServices ui;
     // The player waits on the randomizer run at every game start: it goes
     // first, before the window system is set up, and what it has to say is
     // shown once that is done.
     DeferredMessages early(ui);
-    const bool randomizer = IsRandomizerCommandLine(commandLine);
     const QString gameFolder = StartGameFolder();
     if (randomizer)
         RunRandomizer(gameFolder, commandLine, early);

@@ -174,6 +174,16 @@ QString QueryValue(const QString& KeyName, const QString& ValueName) {
     return *result;
 }
 
+QList<QPair<QString, QString>> ListValues(const QString& KeyName) {
+    QList<QPair<QString, QString>> values;
+    const Store store = loadStore();
+    if (const RegKey* key = store.doc.findKey(kRoot + KeyName))
+        for (const RegValue& value : key->values)
+            if (value.raw.isEmpty())
+                values.append({value.name, value.data});
+    return values;
+}
+
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value) {
     // Only spaces count as blank, as the store has always trimmed them alone.
     const bool blank = std::all_of(Value.cbegin(), Value.cend(), [](QChar c) { return c == u' '; });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QList>
+#include <QPair>
 #include <QString>
 
 // Kelvaris's settings: text values under keys such as "Software\CohKelvaris",
@@ -37,6 +39,10 @@ QString QueryValue(const QString& KeyName, const QString& ValueName);
 // Value holds a line break, NUL or other control character (the file could
 // not give it back), or when the store could not be written.
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value);
+
+// Every string value of the key as name and text, in the store's order
+// (values of other types are left out).
+QList<QPair<QString, QString>> ListValues(const QString& KeyName);
 
 // A Windows path of the prefix ("C:\Games\CoH") as the Linux path Wine maps it
 // to, following the prefix's dosdevices links; "" when it is not such a path.

@@ -23,16 +23,33 @@ struct GroupTarget {
     const char* folder;
     bool folderOnlyWhenTicked;
     std::array<const char*, 3> files; // unused places are null
+    const char* command;              // its name on the command line
 };
 
 // The login and Pocket D boxes. The Rave folder is made whether or not any
 // of its boxes is ticked; the login folders only when needed.
 constexpr GroupTarget kGroupTargets[] = {
-    {"sndHeroLogin", "FrontEnd", true, {"H_music1_loop.ogg", "H_music2_loop.ogg", nullptr}},
-    {"sndVillainLogin", "V_FrontEnd", true, {"V_Music1_loop.ogg", "V_Music2_loop.ogg", nullptr}},
-    {"sndDanceFloor", "Rave", false, {"ExtendedRave_loop.ogg", "NewRave5_loop.ogg", nullptr}},
-    {"sndBlueSide", "Rave", false, {"NewRave1_loop.ogg", "NewRave2_loop.ogg", "NewRave6_loop.ogg"}},
-    {"sndRedSide", "Rave", false, {"NewRave3_loop.ogg", "NewRave4_loop.ogg", nullptr}},
+    {"sndHeroLogin",
+     "FrontEnd",
+     true,
+     {"H_music1_loop.ogg", "H_music2_loop.ogg", nullptr},
+     "hero-login"},
+    {"sndVillainLogin",
+     "V_FrontEnd",
+     true,
+     {"V_Music1_loop.ogg", "V_Music2_loop.ogg", nullptr},
+     "villain-login"},
+    {"sndDanceFloor",
+     "Rave",
+     false,
+     {"ExtendedRave_loop.ogg", "NewRave5_loop.ogg", nullptr},
+     "dance-floor"},
+    {"sndBlueSide",
+     "Rave",
+     false,
+     {"NewRave1_loop.ogg", "NewRave2_loop.ogg", "NewRave6_loop.ogg"},
+     "blue-side"},
+    {"sndRedSide", "Rave", false, {"NewRave3_loop.ogg", "NewRave4_loop.ogg", nullptr}, "red-side"},
 };
 
 QList<MusicTarget> buildTargets() {
@@ -61,4 +78,22 @@ QList<MusicTarget> buildTargets() {
 const QList<MusicTarget>& MusicTargets() {
     static const QList<MusicTarget> targets = buildTargets();
     return targets;
+}
+
+QStringList MusicBoxesNamed(const QString& target) {
+    const QString name = target.toLower();
+    const QString boomBox = QStringLiteral("boombox:");
+    QStringList boxes;
+    if (name.startsWith(boomBox)) {
+        const QString caption = name.mid(boomBox.size());
+        for (int i = 0; i < kBoomBoxCount; ++i)
+            if (caption == u"all" ||
+                caption == QString::fromLatin1(kBoomBoxTracks[size_t(i)].caption).toLower())
+                boxes << BoomBoxName(i);
+        return boxes;
+    }
+    for (const GroupTarget& group : kGroupTargets)
+        if (name == QLatin1String(group.command))
+            boxes << QString::fromLatin1(group.box);
+    return boxes;
 }

@@ -30,3 +30,9 @@ struct MusicTarget {
 // hero and villain login music, then the three Pocket D groups. The letter
 // case of the names is the game's own ("H_music1" but "V_Music1").
 const QList<MusicTarget>& MusicTargets();
+
+// The boxes a command-line target names: "boombox:all", "boombox:" and a
+// BoomBox caption ("boombox:Altitude", any letter case), "hero-login",
+// "villain-login", "dance-floor", "blue-side" or "red-side". Empty for any
+// other name.
+QStringList MusicBoxesNamed(const QString& target);

@@ -4,7 +4,6 @@
 
 #include <QList>
 #include <QStringList>
-
 #include <deque>
 
 // A scripted desktop: records every message, dialog and program start, and

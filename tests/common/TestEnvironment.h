@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QString>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 
 // Points Kelvaris's per-user folders (settings, work folder, Wine prefix,

@@ -1,0 +1,99 @@
+// The settings and status commands.
+
+#include "CliRequest.h"
+#include "app/PathUtils.h"
+#include "app/RegText.h"
+#include "app/modRegistry.h"
+#include "audio/MusicTables.h"
+#include "randomizer/LibraryOperations.h"
+#include "texture/CatalogueLocation.h"
+#include "texture/CatalogueReader.h"
+#include "texture/ScreenTargets.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+// A game file Kelvaris can replace that is there now.
+struct Present {
+    const char* kind; // "screen", "texture", "music", "library"
+    QString path;     // relative to the game folder
+};
+
+QList<Present> presentFiles(const QString& game) {
+    QList<Present> present;
+    auto note = [&](const char* kind, const QString& relative) {
+        const QString path = ResolveExistingCase(game + u'/' + relative);
+        if (QFileInfo(path).isFile())
+            present.append({kind, path.mid(game.size() + 1)});
+    };
+    for (const ScreenTarget* screen : {&kLoginScreen, &kCharacterScreen})
+        note("screen", QString::fromLatin1(screen->folder).mid(1) +
+                           QString::fromLatin1(screen->file) + QStringLiteral(".texture"));
+    for (const CatalogueCategory& category : ReadCatalogue(CatalogueFile()).categories)
+        for (const CatalogueEntry& entry : category.entries)
+            if (IsSafeCatalogueEntry(entry.folder, entry.file))
+                note("texture", QStringLiteral("data/") + entry.folder + u'/' + entry.file +
+                                    QStringLiteral(".texture"));
+    for (const MusicTarget& target : MusicTargets())
+        for (const QString& file : target.files)
+            note("music", file);
+    for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character})
+        for (const QString& name : ListLibrary(game, half))
+            note("library", QString::fromLatin1(HalfInfo(half).folder).mid(1) + name);
+    return present;
+}
+
+} // namespace
+
+int RunSettingsCommand(const CliRequest& request) {
+    const QString action = request.word(1);
+    const qsizetype size = request.words.size();
+    if (action == u"list" && size == 2) {
+        for (const auto& [name, data] : modRegistry::ListValues(kSettingsKey))
+            PrintLine(name + QStringLiteral("=") + data);
+        return kCliSuccess;
+    }
+    if (action == u"get" && size == 3) {
+        PrintLine(modRegistry::QueryValue(kSettingsKey, request.word(2)));
+        return kCliSuccess;
+    }
+    if (action == u"set" && size == 4) {
+        const QString data = request.word(3);
+        if (!IsStorableText(data) || !IsStorableText(request.word(2)))
+            return Failure(QStringLiteral("A setting cannot hold a line break or another control "
+                                          "character."));
+        // A blank value deletes the setting; deleting one that is not there
+        // is no failure.
+        if (!modRegistry::SetValue(kSettingsKey, request.word(2), data) &&
+            !data.trimmed().isEmpty())
+            return Failure(QStringLiteral("The settings could not be written."));
+        return kCliSuccess;
+    }
+    return UsageError(QStringLiteral("settings takes list, get NAME or set NAME VALUE"));
+}
+
+int RunStatusCommand(const CliRequest& request) {
+    if (request.words.size() != 1)
+        return UsageError(QStringLiteral("status takes no operands"));
+    if (request.game.isEmpty())
+        return Failure(QStringLiteral("No game folder is set. Name one with --game."));
+    const QList<Present> present = presentFiles(request.game);
+    if (request.json) {
+        QJsonArray files;
+        for (const Present& file : present)
+            files.append(QJsonObject{{QStringLiteral("kind"), QString::fromLatin1(file.kind)},
+                                     {QStringLiteral("path"), file.path}});
+        const QJsonObject status{{QStringLiteral("game"), request.game},
+                                 {QStringLiteral("files"), files}};
+        PrintLine(QString::fromUtf8(QJsonDocument(status).toJson(QJsonDocument::Indented)));
+        return kCliSuccess;
+    }
+    PrintLine(QStringLiteral("game\t") + request.game);
+    for (const Present& file : present)
+        PrintLine(QString::fromLatin1(file.kind) + u'\t' + file.path);
+    return kCliSuccess;
+}

@@ -1,0 +1,171 @@
+#include "app/BusyHost.h"
+#include "common/CaseName.h"
+#include "common/FakeUi.h"
+#include "common/TestEnvironment.h"
+#include "common/TestPictures.h"
+#include "texture/ScreenInstall.h"
+#include "texture/ScreenTargets.h"
+#include "texture/TextureWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+namespace {
+
+// The real program, started as a player's script would start it: no display
+// of any kind in its environment.
+class CommandLineTest : public TestEnvironment {
+protected:
+    void SetUp() override {
+        TestEnvironment::SetUp();
+        game = root() + QStringLiteral("/game");
+        QDir().mkpath(game);
+        picture = root() + QStringLiteral("/picture.png");
+        GradientImage(320, 200).save(picture);
+    }
+
+    struct Run {
+        int exit = -1;
+        QString out;
+        QString err;
+    };
+    Run run(QStringList arguments) {
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(QString::fromLatin1(name));
+        program.setProcessEnvironment(environment);
+        program.start(QStringLiteral(KELVARIS_PROGRAM),
+                      arguments << QStringLiteral("--game") << game);
+        program.waitForFinished(120000);
+        return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1,
+                QString::fromLocal8Bit(program.readAllStandardOutput()),
+                QString::fromLocal8Bit(program.readAllStandardError())};
+    }
+    QString loginTexture() const {
+        return game + QString::fromLatin1(kLoginScreen.folder) +
+               QStringLiteral("COH_LogInScreen_Background.texture");
+    }
+
+    QString game;
+    QString picture;
+};
+
+struct UsageCase {
+    const char* name;
+    QStringList arguments;
+};
+void PrintTo(const UsageCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class UsageErrors : public CommandLineTest, public ::testing::WithParamInterface<UsageCase> {};
+
+TEST_P(UsageErrors, ExitWithTwoAndTheUsage) {
+    const Run result = run(GetParam().arguments);
+    EXPECT_EQ(result.exit, 2) << result.err.toStdString();
+    EXPECT_TRUE(result.err.contains(QStringLiteral("Usage:")));
+    EXPECT_TRUE(QDir(game).isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Typos, UsageErrors,
+    ::testing::Values(UsageCase{"unknownCommand", {"paint"}},
+                      UsageCase{"screenWithoutPicture", {"screen", "login"}},
+                      UsageCase{"screenOfNoKind", {"screen", "credits", "x.png"}},
+                      UsageCase{"levelsOutOfRange",
+                                {"screen", "login", "x.png", "--levels", "0", "300"}},
+                      UsageCase{"unknownOption", {"status", "--colour"}},
+                      UsageCase{"unknownMusicTarget", {"music", "a.ogg", "elevator"}},
+                      UsageCase{"slotOutOfRange", {"online", "clear", "6"}}),
+    CaseName<UsageCase>);
+
+TEST_F(CommandLineTest, HelpNamesEveryCommand) {
+    const Run help = run({"--help"});
+    EXPECT_EQ(help.exit, 0);
+    for (const char* command :
+         {"screen", "library add", "library list", "texture list", "texture set", "texture restore",
+          "music", "online", "catalogue", "settings", "status"})
+        EXPECT_TRUE(help.out.contains(QLatin1String(command))) << command;
+    EXPECT_TRUE(run({"--version"}).out.startsWith(QStringLiteral("kelvaris ")));
+}
+
+TEST_F(CommandLineTest, AScreenIsTheSameBytesAsTheWindowWrites) {
+    ASSERT_EQ(run({"screen", "login", picture}).exit, 0);
+    const QByteArray fromCommand = readFile(loginTexture());
+    ASSERT_FALSE(fromCommand.isEmpty());
+
+    // The same operation in process, as the Screens tab runs it.
+    QFile::remove(loginTexture());
+    FakeUi ui;
+    HeadlessBusy busy;
+    ASSERT_TRUE(
+        InstallScreen(kLoginScreen, picture, {}, MakeTextureContext(game, false), busy, ui));
+    EXPECT_EQ(readFile(loginTexture()), fromCommand);
+
+    // A picture that cannot be read fails with the window's message.
+    const Run bad = run({"screen", "character", root() + QStringLiteral("/none.png")});
+    EXPECT_EQ(bad.exit, 1);
+    EXPECT_TRUE(bad.err.contains(QStringLiteral("Image could not be loaded.")));
+}
+
+TEST_F(CommandLineTest, LibraryTextureAndMusicRoundTrips) {
+    // Library: a picture added is listed.
+    ASSERT_EQ(run({"library", "add", "character", picture}).exit, 0);
+    EXPECT_EQ(run({"library", "list", "character"}).out,
+              QStringLiteral("character\tpicture.png.dds\n"));
+
+    // A catalogue texture: written, then restored only when the question is
+    // answered.
+    ASSERT_EQ(run({"texture", "set", "Backgrounds", "Login screen", picture}).exit, 0);
+    EXPECT_TRUE(QFileInfo::exists(loginTexture()));
+    EXPECT_TRUE(run({"texture", "list", "1"}).out.contains(QStringLiteral("\treplaced")));
+    const Run refused = run({"texture", "restore", "Backgrounds", "1"});
+    EXPECT_EQ(refused.exit, 1);
+    EXPECT_TRUE(refused.err.contains(QStringLiteral("--yes")));
+    EXPECT_TRUE(QFileInfo::exists(loginTexture()));
+    EXPECT_EQ(run({"texture", "restore", "Backgrounds", "--all", "--yes"}).exit, 0);
+    EXPECT_FALSE(QFileInfo::exists(loginTexture()));
+
+    // Music: an Ogg file is copied as it is to every file of its targets.
+    const QString ogg = writeFile(QStringLiteral("song.ogg"), "OggS and the rest");
+    ASSERT_EQ(run({"music", ogg, "hero-login", "boombox:Altitude"}).exit, 0);
+    EXPECT_EQ(readFile(game + QStringLiteral("/data/sound/Ogg/FrontEnd/H_music2_loop.ogg")),
+              QByteArray("OggS and the rest"));
+    EXPECT_EQ(readFile(game + QStringLiteral("/data/sound/Ogg/BoomBox/Track9_loop.ogg")),
+              QByteArray("OggS and the rest"));
+
+    // Status lists what is there now.
+    const QJsonObject status =
+        QJsonDocument::fromJson(run({"status", "--json"}).out.toUtf8()).object();
+    EXPECT_EQ(status.value(QStringLiteral("game")).toString(), game);
+    const QString files = QString::fromUtf8(QJsonDocument(status).toJson());
+    EXPECT_TRUE(files.contains(QStringLiteral("Kelvaris/RandomHC/picture.png.dds")));
+    EXPECT_TRUE(files.contains(QStringLiteral("data/sound/Ogg/FrontEnd/H_music1_loop.ogg")));
+    EXPECT_FALSE(files.contains(QStringLiteral("COH_LogInScreen_Background")));
+}
+
+TEST_F(CommandLineTest, SettingsAndOnlineSlotsGoToTheStore) {
+    EXPECT_EQ(run({"settings", "set", "FrameHL", "/frames/hl.png"}).exit, 0);
+    EXPECT_EQ(run({"settings", "get", "FrameHL"}).out, QStringLiteral("/frames/hl.png\n"));
+    EXPECT_EQ(run({"settings", "set", "FrameHL", "two\nlines"}).exit, 1);
+    EXPECT_EQ(run({"online", "set", "2", "http://example.invalid/a.png", "Backgrounds",
+                   "Character creation"})
+                  .exit,
+              0);
+    const QString list = run({"online", "list"}).out;
+    EXPECT_TRUE(list.contains(QStringLiteral("2\thttp://example.invalid/a.png\tCharacter creation "
+                                             "(1024x1024)")));
+    const QString exported = root() + QStringLiteral("/slots.reg");
+    EXPECT_EQ(run({"online", "export", exported}).exit, 0);
+    EXPECT_TRUE(readFile(exported).contains("\"webLink1\"=\"http://example.invalid/a.png\""));
+    EXPECT_EQ(run({"online", "clear", "2"}).exit, 0);
+    EXPECT_EQ(run({"settings", "get", "webPath1"}).out, QStringLiteral("\n"));
+    EXPECT_EQ(run({"online", "import", exported}).exit, 0);
+    EXPECT_TRUE(run({"settings", "list"}).out.contains(QStringLiteral("webFile1=background")));
+}
+
+} // namespace
