@@ -10,7 +10,9 @@
 #include <QFileInfo>
 #include <QSet>
 #include <algorithm>
+#include <cctype>
 #include <deque>
+#include <string_view>
 
 namespace {
 
@@ -20,6 +22,16 @@ constexpr int kMostEntries = 20000;
 constexpr qint64 kLargestHive = 64LL * 1024 * 1024;
 
 const QString kGameKeys = QStringLiteral("Software\\Cryptic\\");
+
+// Most prefixes hold other games: their hives, megabytes each, are parsed
+// only when the game's key name occurs in them, in any letter case.
+bool mentionsGameKeys(const QByteArray& hive) {
+    static constexpr std::string_view kName = "cryptic";
+    return std::search(hive.cbegin(), hive.cend(), kName.cbegin(), kName.cend(),
+                       [](char a, char b) {
+                           return std::tolower(static_cast<unsigned char>(a)) == b;
+                       }) != hive.cend();
+}
 
 std::optional<QSize> screenOf(const RegKey& key) {
     const RegValue* x = key.findValue(QStringLiteral("screenX"));
@@ -115,7 +127,8 @@ QList<PrefixGame> GamesInPrefix(const QString& prefix, const QString& programHin
     if (!IsWinePrefix(prefix))
         return {};
     RegDocument hive;
-    if (const auto text = ReadRegularFile(prefix + QStringLiteral("/user.reg"), kLargestHive))
+    const auto text = ReadRegularFile(prefix + QStringLiteral("/user.reg"), kLargestHive);
+    if (text && mentionsGameKeys(*text))
         hive = ParseWineHive(*text);
     const QList<const RegKey*> keys = gameKeys(hive);
     QList<PrefixGame> games = foldersFromRegistry(keys, prefix);

@@ -57,13 +57,6 @@ bool IsRandomizerCommandLine(const QString& commandLine) {
     return commandLine.contains(QStringLiteral("-randomizer"));
 }
 
-bool IsRandomizerCommandLine(const QStringList& arguments) {
-    for (const QString& argument : arguments)
-        if (argument.contains(QStringLiteral("-randomizer")))
-            return true;
-    return false;
-}
-
 QString StartGameFolder() {
     const QString folder = modRegistry::QueryValue(kSettingsKey, QStringLiteral("CohPath"));
     if (!folder.isEmpty())

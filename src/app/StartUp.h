@@ -17,7 +17,6 @@ QStringList SplitJoinedCommandLine(const QString& commandLine);
 // Whether the command line asks for the randomizer run: "-randomizer"
 // anywhere in it, in lower case.
 bool IsRandomizerCommandLine(const QString& commandLine);
-bool IsRandomizerCommandLine(const QStringList& arguments);
 
 // The game folder Kelvaris starts with: the stored "CohPath", else the
 // game's own "Installation Directory" under "Software\Cryptic\Coh".

@@ -58,8 +58,9 @@ bool LaunchChatClient(const QString& GameFolder, const QStringList& Arguments, U
     start.program = program;
     start.workingFolder = GameFolder;
     if (runner.kind == GameRunner::Kind::Bottles) {
-        // bottles-cli takes the client's arguments as one text, which it
-        // hands to a shell.
+        // bottles-cli takes the client's arguments as one text, which
+        // Bottles puts into a shell command line: each argument is quoted
+        // for that shell so it arrives whole.
         start.arguments =
             runner.programArguments + QStringList{QStringLiteral("run"), QStringLiteral("-b"),
                                                   runner.bottle, QStringLiteral("-e"), client};
