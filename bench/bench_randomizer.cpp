@@ -86,7 +86,7 @@ void BM_RandomizerRun(benchmark::State& state) {
     const QString cwd = QDir::currentPath();
     SilentUi ui;
     for (auto _ : state)
-        RunRandomizer(game, QStringLiteral("-randomizer -x 1"), ui);
+        RunRandomizer(game, QStringList{"-randomizer", "-x", "1"}, ui);
     QDir::setCurrent(cwd);
 }
 BENCHMARK(BM_RandomizerRun)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -1,3 +1,4 @@
+#include "app/ApplicationId.h"
 #include "app/DeferredMessages.h"
 #include "app/Form1.h"
 #include "app/RealUiServices.h"
@@ -8,6 +9,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QIcon>
 
 int main(int argc, char* argv[]) {
     QStringList arguments;
@@ -31,12 +33,14 @@ int main(int argc, char* argv[]) {
     DeferredMessages early(ui);
     const QString gameFolder = StartGameFolder();
     if (randomizer)
-        RunRandomizer(gameFolder, commandLine, early);
+        RunRandomizer(gameFolder, arguments, early);
     // Only once the client is on its way: the player does not wait for this.
     RemoveStaleTemporariesAtStart(gameFolder);
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvaris"));
+    QApplication::setDesktopFileName(kApplicationId);
+    QApplication::setWindowIcon(QIcon(u":/icons/" + kApplicationId + u".svg"));
     // In the randomizer mode the window never shows, so closing it must end
     // the program by itself.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -5,8 +5,14 @@
 
 // What start-up knows before any window exists.
 
-// The command line as one text, each argument that holds a blank quoted.
+// The command line as one text: an argument that is empty or holds a blank
+// or a double quote is put in double quotes, with "\" and '"' inside written
+// "\\" and "\""; every other argument stands as it is. SplitJoinedCommandLine
+// gives the same list back.
 QString JoinCommandLine(const QStringList& arguments);
+
+// The arguments of a text JoinCommandLine wrote, exactly as they were given.
+QStringList SplitJoinedCommandLine(const QString& commandLine);
 
 // Whether the command line asks for the randomizer run: "-randomizer"
 // anywhere in it, in lower case.

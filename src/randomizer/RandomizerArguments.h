@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 // The arguments a randomizer run hands on to the chat client: the tool's own
-// command line with the first "-randomizer" cut out (a space put in front)
-// and then the first "-skipupdate" cut out (no space added). "-randomizer -x 1"
-// gives two spaces followed by "-x 1"; "-randomizer" alone gives one space.
-// Later occurrences of either switch are passed on as they stand.
-QString PassThroughArguments(const QString& CommandLine);
+// arguments with the first "-randomizer" cut out and then the first
+// "-skipupdate" (each in lower case only). A switch is cut from the first
+// argument that holds it; an argument that was nothing but the switch goes
+// with it, and every other argument (an empty one, one with quotes or
+// blanks, a later copy of a switch) is handed on exactly as given.
+QStringList PassThroughArguments(const QStringList& arguments);

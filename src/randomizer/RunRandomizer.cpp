@@ -5,6 +5,7 @@
 #include "RandomFile.h"
 #include "RandomizerArguments.h"
 #include "app/PathUtils.h"
+#include "app/StartUp.h"
 #include "texture/ScreenTargets.h"
 #include "texture/TextureWriter.h"
 
@@ -12,7 +13,11 @@
 #include <QFileInfo>
 
 void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
-    const QString arguments = PassThroughArguments(CommandLine);
+    RunRandomizer(GameFolder, SplitJoinedCommandLine(CommandLine), ui);
+}
+
+void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiServices& ui) {
+    const QStringList arguments = PassThroughArguments(Arguments);
     // Without a game folder there is nowhere Kelvaris may write; the client
     // lookup below then tells the player.
     for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character}) {

@@ -1,6 +1,7 @@
 #include "randomizer/RunRandomizer.h"
 
 #include "WineOnPath.h"
+#include "app/StartUp.h"
 #include "app/modRegistry.h"
 
 #include <QFileInfo>
@@ -34,7 +35,7 @@ TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
     writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), loginEntry);
     writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), characterEntry);
 
-    RunRandomizer(game, QStringLiteral("-randomizer -x 1"), ui);
+    RunRandomizer(game, QStringList{"-randomizer", "-x", "1"}, ui);
 
     // A 32-byte header, the texture's name with its NUL, then the image.
     const QByteArray login = readFile(loginTexture());
@@ -56,7 +57,7 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     // Login: no file that can be opened as an image (a folder named like one).
     writeFile(QStringLiteral("game/Kelvaris/RandomHL/notes.txt"), "x");
     QDir().mkpath(game + QStringLiteral("/Kelvaris/RandomHL/broken.dds"));
-    RunRandomizer(game, QStringLiteral("-randomizer"), ui);
+    RunRandomizer(game, QStringList{"-randomizer"}, ui);
     EXPECT_TRUE(QDir(QFileInfo(loginTexture()).path()).exists()); // the folder is made
     EXPECT_FALSE(QFile::exists(loginTexture()));
     EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background"))); // no library
@@ -71,14 +72,25 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     const QString fifo = root() + QStringLiteral("/fifo");
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
     QFile::link(fifo, characters + QStringLiteral("waiting.dds"));
-    RunRandomizer(game, QStringLiteral("-randomizer"), ui);
+    RunRandomizer(game, QStringList{"-randomizer"}, ui);
     EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background")));
     EXPECT_EQ(ui.starts.size(), 2);
 }
 
+TEST_F(RunRandomizerTest, ClientGetsEachArgumentAsTypedFromTheListOrItsText) {
+    const QStringList typed = {"-project", "", "say \"hi\"", "-randomizer", "C:\\x y", ""};
+    RunRandomizer(game, typed, ui);
+    RunRandomizer(game, JoinCommandLine(typed), ui);
+    const QStringList expected = {
+        game + QStringLiteral("/paragonchat.exe"), "-project", "", "say \"hi\"", "C:\\x y", ""};
+    ASSERT_EQ(ui.starts.size(), 2);
+    EXPECT_EQ(ui.starts[0].arguments, expected);
+    EXPECT_EQ(ui.starts[1].arguments, expected);
+}
+
 TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
     const QString before = QDir::currentPath();
-    RunRandomizer(QString(), QStringLiteral("-randomizer"), ui);
+    RunRandomizer(QString(), QStringList{"-randomizer"}, ui);
     ASSERT_EQ(ui.messages.size(), 1);
     EXPECT_EQ(ui.messages[0].text,
               QStringLiteral("Unable to locate Paragon Chat in this folder.\r\n"));

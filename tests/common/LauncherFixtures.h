@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// Game launchers' folders as they lie in a player's home, written below a
+// test's temporary folder: Wine prefixes with their registry, stand-in Wine
+// builds and launcher files. Paths are relative to `root` unless they start
+// with "/".
+namespace LauncherFixtures {
+
+// Writes `bytes` as root/relative, making folders; the file's path.
+QString WriteAt(const QString& root, const QString& relative, const QByteArray& bytes);
+
+// A Wine prefix (drive_c and dosdevices) at root/relative, holding
+// `userReg` as its user.reg when that is not empty; the prefix's path.
+QString MakePrefix(const QString& root, const QString& relative, const QByteArray& userReg = {});
+
+// An executable shell script at root/relative that does nothing; its path.
+QString MakeProgram(const QString& root, const QString& relative);
+
+// A user.reg whose Software\Cryptic\Coh key holds `windowsFolder` as the
+// "Installation Directory", plus the screen size when one is given.
+QByteArray GameRegistry(const QString& windowsFolder, int screenX = 0, int screenY = 0);
+
+} // namespace LauncherFixtures

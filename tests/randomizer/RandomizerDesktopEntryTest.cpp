@@ -1,0 +1,54 @@
+#include "randomizer/RandomizerDesktopEntry.h"
+
+#include "common/TestEnvironment.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
+
+namespace {
+
+using RandomizerDesktopEntryTest = TestEnvironment;
+
+QString execLine(const QByteArray& entry) {
+    for (const QByteArray& line : entry.split('\n'))
+        if (line.startsWith("Exec="))
+            return QString::fromUtf8(line.mid(5));
+    return {};
+}
+
+TEST_F(RandomizerDesktopEntryTest, WritesAnEntryThatValidatesAndCarriesEveryArgument) {
+    const QString path =
+        WriteRandomizerDesktopEntry({"-skipupdate", "", "say \"hi\"", "$HOME", "C:\\x", "100%"},
+                                    QStringLiteral("/opt/my games/kelvaris"));
+    EXPECT_EQ(path, root() + QStringLiteral("/data-home/applications/kelvaris-randomizer.desktop"));
+    const QByteArray entry = readFile(path);
+    EXPECT_EQ(execLine(entry),
+              QStringLiteral("\"/opt/my games/kelvaris\" -randomizer -skipupdate \"\" "
+                             "\"say \\\\\"hi\\\\\"\" \"\\\\$HOME\" \"C:\\\\\\\\x\" 100%%"));
+    EXPECT_TRUE(entry.contains("\nIcon=io.github.kelvaris.Kelvaris\n"));
+
+    const QString validator =
+        QStandardPaths::findExecutable(QStringLiteral("desktop-file-validate"));
+    if (validator.isEmpty())
+        GTEST_SKIP() << "desktop-file-validate is not installed (package desktop-file-utils)";
+    QProcess validate;
+    validate.start(validator, {path});
+    ASSERT_TRUE(validate.waitForFinished());
+    EXPECT_EQ(validate.exitCode(), 0) << validate.readAllStandardOutput().toStdString();
+}
+
+TEST_F(RandomizerDesktopEntryTest, FallsBackToTheHomeAndRefusesWhatAnEntryCannotCarry) {
+    qunsetenv("XDG_DATA_HOME");
+    const QString path = WriteRandomizerDesktopEntry({"-x"});
+    EXPECT_EQ(path, QDir::homePath() +
+                        QStringLiteral("/.local/share/applications/kelvaris-randomizer.desktop"));
+    EXPECT_EQ(execLine(readFile(path)), QStringLiteral("kelvaris -randomizer -x"));
+
+    // An argument with a carriage return cannot be written: the entry that
+    // is there stays as it was.
+    EXPECT_EQ(WriteRandomizerDesktopEntry({QStringLiteral("a\rb")}), QString());
+    EXPECT_EQ(execLine(readFile(path)), QStringLiteral("kelvaris -randomizer -x"));
+}
+
+} // namespace
