@@ -155,6 +155,8 @@ void Form1::Form_Load() {
 void Form1::loadInteractiveSettings() {
     setWindowTitle(QStringLiteral("Kelvaris ") + VersionString());
     creditsTab_->ShowVersionAndAcknowledgements();
+    // Looked for once the window is up, so it never holds up the start.
+    QTimer::singleShot(0, settingsTab_, &SettingsTab::FindInstallations);
 
     for (const ControlSetting& setting : SettingsLoadedAtStart()) {
         LoadControlSetting(*this, setting);

@@ -1,6 +1,7 @@
 #include "SettingsTab.h"
 
 #include "ControlTag.h"
+#include "GameInstallations.h"
 #include "NumberText.h"
 #include "PathUtils.h"
 #include "UiServices.h"
@@ -14,6 +15,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 SettingsTab::SettingsTab(UiServices& ui, QWidget* parent) : QWidget(parent), ui_(ui) {
@@ -60,13 +62,35 @@ SettingsTab::SettingsTab(UiServices& ui, QWidget* parent) : QWidget(parent), ui_
     auto* texturesLayout = new QVBoxLayout(textures);
     texturesLayout->addWidget(setCompression_);
 
+    // The copies of the game the launchers on this machine keep.
+    auto* found = new QGroupBox(QStringLiteral("Installations found"), this);
+    setGames_ = new QTreeWidget(found);
+    setGames_->setObjectName(QStringLiteral("setGames"));
+    setGames_->setHeaderLabels(
+        {QStringLiteral("Launcher"), QStringLiteral("Prefix"), QStringLiteral("Game folder")});
+    setGames_->setRootIsDecorated(false);
+    setGames_->setMaximumHeight(120);
+    setSearch_ = new QPushButton(QStringLiteral("Search again"), found);
+    setSearch_->setObjectName(QStringLiteral("setSearch"));
+    auto* foundLayout = new QVBoxLayout(found);
+    foundLayout->addWidget(setGames_);
+    foundLayout->addWidget(setSearch_, 0, Qt::AlignRight);
+
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(frame);
+    layout->addWidget(found);
     layout->addWidget(textures);
     layout->addStretch(1);
 
     connect(setAuto_, &QCheckBox::clicked, this, &SettingsTab::setAuto_Click);
     connect(setBrowse_, &QPushButton::clicked, this, &SettingsTab::setBrowse_Click);
+    connect(setSearch_, &QPushButton::clicked, this, &SettingsTab::FindInstallations);
+    connect(setGames_, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) {
+        setGames_Choose(setGames_->indexOfTopLevelItem(item));
+    });
+    connect(setGames_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+        setGames_Choose(setGames_->indexOfTopLevelItem(item));
+    });
     connect(setCohPath_, &QLineEdit::textChanged, this, &SettingsTab::GameFolderChanged);
 }
 
@@ -146,4 +170,29 @@ bool SettingsTab::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void SettingsTab::FindInstallations() {
+    setGames_->clear();
+    for (const GameInstallation& game : FindGameInstallations()) {
+        auto* item = new QTreeWidgetItem(setGames_, {game.launcher, game.prefix, game.gameFolder});
+        item->setToolTip(2, game.gameFolder);
+        if (game.screen)
+            item->setData(0, Qt::UserRole, game.screen.value());
+    }
+    for (int column = 0; column < setGames_->columnCount(); ++column)
+        setGames_->resizeColumnToContents(column);
+}
+
+void SettingsTab::setGames_Choose(int row) {
+    const QTreeWidgetItem* item = setGames_->topLevelItem(row);
+    // Detection from the game's keys owns the controls while it is on.
+    if (!item || setAuto_->isChecked())
+        return;
+    setCohPath_->setText(item->text(2));
+    const QSize screen = item->data(0, Qt::UserRole).toSize();
+    if (screen.isValid()) {
+        setWidth_->setText(QString::number(screen.width()));
+        setHeight_->setText(QString::number(screen.height()));
+    }
 }

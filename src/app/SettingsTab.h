@@ -5,6 +5,7 @@
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+class QTreeWidget;
 class QPushButton;
 class UiServices;
 
@@ -29,6 +30,13 @@ public:
     void setAuto_Click();
     void setBrowse_Click();
 
+    // Lists the installations found on this machine under "Installations
+    // found"; the window runs it at start and the "Search again" button does.
+    void FindInstallations();
+    // Choosing a listed installation: its game folder into setCohPath, and
+    // its screen size when its prefix has one.
+    void setGames_Choose(int row);
+
 Q_SIGNALS:
     // The game folder changed; the save buttons of several tabs depend on it.
     void GameFolderChanged();
@@ -47,4 +55,6 @@ private:
     QLineEdit* setHeight_;
     QCheckBox* setAuto_;
     QCheckBox* setCompression_;
+    QTreeWidget* setGames_;
+    QPushButton* setSearch_;
 };

@@ -47,3 +47,4 @@ int RunMusicCommand(const CliRequest& request);
 int RunOnlineCommand(const CliRequest& request);
 int RunSettingsCommand(const CliRequest& request);
 int RunStatusCommand(const CliRequest& request);
+int RunGamesCommand(const CliRequest& request);

@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include "CliRequest.h"
+#include "app/GameInstallations.h"
 #include "app/NumberText.h"
 #include "app/StartUp.h"
 #include "app/VersionString.h"
@@ -23,6 +24,7 @@ const Command kCommands[] = {
     {"texture", RunTextureCommand},   {"catalogue", RunCatalogueCommand},
     {"music", RunMusicCommand},       {"online", RunOnlineCommand},
     {"settings", RunSettingsCommand}, {"status", RunStatusCommand},
+    {"games", RunGamesCommand},
 };
 
 const Command* commandNamed(const QString& name) {
@@ -130,7 +132,9 @@ QString CommandLineUsage() {
         "  kelvaris catalogue build\n"
         "  kelvaris settings list | get NAME | set NAME VALUE\n"
         "  kelvaris status [--json]\n"
-        "Options: --game FOLDER (else the stored game folder), --compress, --no-compress\n"
+        "  kelvaris games [--json]      the installations found on this machine\n"
+        "Options: --game FOLDER|NUMBER (a folder, or a number from \"kelvaris games\";\n"
+        "else the stored game folder), --compress, --no-compress\n"
         "(else the stored setting), --yes (answers the questions the window asks).\n"
         "CATEGORY and TEXTURE are names or numbers as the list commands show them;\n"
         "SLOT is 1 to 5. Exit status: 0 success, 1 failure, 2 usage error.\n");
@@ -162,10 +166,22 @@ int RunCommandLine(const QStringList& arguments) {
         return UsageError(request.words.isEmpty()
                               ? QStringLiteral("no command given")
                               : QStringLiteral("unknown command %1").arg(request.word(0)));
-    if (request.game.isEmpty())
+    // --game takes a folder, or the number "kelvaris games" lists it under.
+    bool numbered = false;
+    const int number = request.game.toInt(&numbered);
+    if (request.game.isEmpty()) {
         request.game = StartGameFolder();
-    else
+    } else if (numbered && !QFileInfo::exists(request.game)) {
+        const QList<GameInstallation> games = FindGameInstallations();
+        if (number < 1 || number > games.size())
+            return UsageError(QStringLiteral("--game %1: \"kelvaris games\" lists %2 "
+                                             "installation(s)")
+                                  .arg(number)
+                                  .arg(games.size()));
+        request.game = games[number - 1].gameFolder;
+    } else {
         request.game = QFileInfo(request.game).absoluteFilePath();
+    }
     if (!compressSet)
         request.compress = LeadingNumber(modRegistry::QueryValue(
                                kSettingsKey, QStringLiteral("TextureCompression"))) != 0;

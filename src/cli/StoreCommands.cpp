@@ -1,6 +1,7 @@
 // The settings and status commands.
 
 #include "CliRequest.h"
+#include "app/GameInstallations.h"
 #include "app/PathUtils.h"
 #include "app/RegText.h"
 #include "app/modRegistry.h"
@@ -95,5 +96,35 @@ int RunStatusCommand(const CliRequest& request) {
     PrintLine(QStringLiteral("game\t") + request.game);
     for (const Present& file : present)
         PrintLine(QString::fromLatin1(file.kind) + u'\t' + file.path);
+    return kCliSuccess;
+}
+
+int RunGamesCommand(const CliRequest& request) {
+    if (request.words.size() != 1)
+        return UsageError(QStringLiteral("games takes no operands"));
+    const QList<GameInstallation> games = FindGameInstallations();
+    QJsonArray list;
+    for (qsizetype i = 0; i < games.size(); ++i) {
+        const GameInstallation& game = games[i];
+        const QString screen =
+            game.screen
+                ? QStringLiteral("%1x%2").arg(game.screen->width()).arg(game.screen->height())
+                : QString();
+        if (request.json)
+            list.append(QJsonObject{{QStringLiteral("number"), int(i + 1)},
+                                    {QStringLiteral("launcher"), game.launcher},
+                                    {QStringLiteral("prefix"), game.prefix},
+                                    {QStringLiteral("game"), game.gameFolder},
+                                    {QStringLiteral("screen"), screen}});
+        else
+            PrintLine(QStringLiteral("%1\t%2\t%3\t%4%5")
+                          .arg(i + 1)
+                          .arg(game.launcher, game.prefix, game.gameFolder,
+                               screen.isEmpty() ? QString() : u'\t' + screen));
+    }
+    if (request.json)
+        PrintLine(QString::fromUtf8(QJsonDocument(list).toJson(QJsonDocument::Indented)));
+    else if (games.isEmpty())
+        PrintLine(QStringLiteral("No installation of the game was found."));
     return kCliSuccess;
 }

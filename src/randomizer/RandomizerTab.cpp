@@ -1,6 +1,7 @@
 #include "RandomizerTab.h"
 
 #include "LibraryFolder.h"
+#include "RandomizerDesktopEntry.h"
 #include "app/ControlTag.h"
 #include "app/PathUtils.h"
 #include "app/TabHost.h"
@@ -12,11 +13,14 @@
 #include "texture/TextureWriter.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -51,9 +55,22 @@ RandomizerTab::RandomizerTab(TabHost& host, ScreensTab& screens, QWidget* parent
     buttons->addWidget(rndSaveHL_);
     buttons->addWidget(rndSaveHC_);
 
+    // A menu entry that starts the game through the randomizer run.
+    auto* launcher = new QGroupBox(QStringLiteral("Game launcher"), this);
+    rndClientArgs_ = new QLineEdit(launcher);
+    rndClientArgs_->setObjectName(QStringLiteral("rndClientArgs"));
+    rndClientArgs_->setPlaceholderText(QStringLiteral("the chat client's own arguments, if any"));
+    rndLauncher_ = new QPushButton(QStringLiteral("Create game launcher"), launcher);
+    rndLauncher_->setObjectName(QStringLiteral("rndLauncher"));
+    auto* launcherRow = new QHBoxLayout(launcher);
+    launcherRow->addWidget(new QLabel(QStringLiteral("Client arguments:"), launcher));
+    launcherRow->addWidget(rndClientArgs_, 1);
+    launcherRow->addWidget(rndLauncher_);
+
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(rndFrame);
     layout->addWidget(destination);
+    layout->addWidget(launcher);
     layout->addStretch(1);
 
     connect(rndBrowse_, &QPushButton::clicked, this, &RandomizerTab::rndBrowse_Click);
@@ -62,6 +79,24 @@ RandomizerTab::RandomizerTab(TabHost& host, ScreensTab& screens, QWidget* parent
     connect(rndFolder_, &QCheckBox::toggled, this, &RandomizerTab::rndFolder_Click);
     connect(rndSaveHL_, &QPushButton::clicked, this, &RandomizerTab::rndSaveHL_Click);
     connect(rndSaveHC_, &QPushButton::clicked, this, &RandomizerTab::rndSaveHC_Click);
+    connect(rndLauncher_, &QPushButton::clicked, this, &RandomizerTab::rndLauncher_Click);
+}
+
+void RandomizerTab::rndLauncher_Click() {
+    // The arguments are split as a shell would, quotes included, and each
+    // reaches the client as typed.
+    const QStringList arguments = QProcess::splitCommand(rndClientArgs_->text());
+    const QString written =
+        WriteRandomizerDesktopEntry(arguments, QCoreApplication::applicationFilePath());
+    if (written.isEmpty())
+        host_.Ui().Message(QStringLiteral("The game launcher could not be written."),
+                           MsgIcon::Exclamation);
+    else
+        host_.Ui().Message(QStringLiteral("The game launcher \"City of Heroes (Kelvaris "
+                                          "randomizer)\" was written to\r\n%1\r\nIt starts the "
+                                          "game with new random backgrounds each time.")
+                               .arg(written),
+                           MsgIcon::None);
 }
 
 void RandomizerTab::UpdateButtons(const QString& gameFolder) {

@@ -30,6 +30,8 @@ public:
     void rndFolder_Click();
     void rndSaveHL_Click();
     void rndSaveHC_Click();
+    // "Create game launcher": the player's menu entry for the randomizer start.
+    void rndLauncher_Click();
 
 private:
     QPushButton* buttonFor(LibraryHalf half) const;
@@ -43,5 +45,7 @@ private:
     QPushButton* rndBrowse_;
     QCheckBox* rndFolder_;
     QPushButton* rndSaveHL_;
+    QLineEdit* rndClientArgs_ = nullptr;
+    QPushButton* rndLauncher_ = nullptr;
     QPushButton* rndSaveHC_;
 };

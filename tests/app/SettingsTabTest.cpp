@@ -2,12 +2,14 @@
 
 #include "app/modRegistry.h"
 #include "common/FakeUi.h"
+#include "common/LauncherFixtures.h"
 #include "common/TestEnvironment.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTreeWidget>
 
 namespace {
 
@@ -108,6 +110,27 @@ TEST_F(SettingsTabTest, SizeBoxesSelectOnFocusAndShowTheirNumberOnLeaving) {
     width->setFocus();
     QApplication::processEvents();
     EXPECT_EQ(height->text(), QStringLiteral("0"));
+}
+
+TEST_F(SettingsTabTest, AnInstallationFoundFillsTheFolderAndTheScreenSize) {
+    using namespace LauncherFixtures;
+    const QString prefix = MakePrefix(root(), QStringLiteral("wine"),
+                                      GameRegistry(QStringLiteral("C:\\CoH"), 1600, 900));
+    WriteAt(prefix, QStringLiteral("drive_c/CoH/cityofheroes.exe"), "MZ");
+    tab->FindInstallations();
+    auto* games = control<QTreeWidget>("setGames");
+    ASSERT_EQ(games->topLevelItemCount(), 1);
+    EXPECT_EQ(games->topLevelItem(0)->text(2), prefix + QStringLiteral("/drive_c/CoH"));
+
+    tab->setGames_Choose(0);
+    EXPECT_EQ(tab->GameFolder(), prefix + QStringLiteral("/drive_c/CoH"));
+    EXPECT_EQ(tab->ScreenWidthText(), QStringLiteral("1600"));
+    EXPECT_EQ(tab->ScreenHeightText(), QStringLiteral("900"));
+    // With detection on, the game's keys own the controls.
+    control<QLineEdit>("setCohPath")->clear();
+    control<QCheckBox>("setAuto")->setChecked(true);
+    tab->setGames_Choose(0);
+    EXPECT_EQ(tab->GameFolder(), QString());
 }
 
 } // namespace

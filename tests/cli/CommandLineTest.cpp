@@ -1,6 +1,7 @@
 #include "app/BusyHost.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
+#include "common/LauncherFixtures.h"
 #include "common/TestEnvironment.h"
 #include "common/TestPictures.h"
 #include "texture/ScreenInstall.h"
@@ -38,8 +39,9 @@ protected:
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(QString::fromLatin1(name));
         program.setProcessEnvironment(environment);
-        program.start(QStringLiteral(KELVARIS_PROGRAM),
-                      arguments << QStringLiteral("--game") << game);
+        if (!arguments.contains(QStringLiteral("--game")))
+            arguments << QStringLiteral("--game") << game;
+        program.start(QStringLiteral(KELVARIS_PROGRAM), arguments);
         program.waitForFinished(120000);
         return {program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1,
                 QString::fromLocal8Bit(program.readAllStandardOutput()),
@@ -166,6 +168,21 @@ TEST_F(CommandLineTest, SettingsAndOnlineSlotsGoToTheStore) {
     EXPECT_EQ(run({"settings", "get", "webPath1"}).out, QStringLiteral("\n"));
     EXPECT_EQ(run({"online", "import", exported}).exit, 0);
     EXPECT_TRUE(run({"settings", "list"}).out.contains(QStringLiteral("webFile1=background")));
+}
+
+TEST_F(CommandLineTest, GamesListsTheInstallationsAndGameTakesTheirNumber) {
+    using namespace LauncherFixtures;
+    const QString prefix =
+        MakePrefix(root(), QStringLiteral("wine"), GameRegistry(QStringLiteral("C:\\Games\\CoH")));
+    WriteAt(prefix, QStringLiteral("drive_c/Games/CoH/cityofheroes.exe"), "MZ");
+    const QString folder = prefix + QStringLiteral("/drive_c/Games/CoH");
+    EXPECT_EQ(run({"games"}).out, QStringLiteral("1\tWine\t%1\t%2\n").arg(prefix, folder));
+
+    // The listed number stands for the folder.
+    ASSERT_EQ(run({"screen", "login", picture, "--game", "1"}).exit, 0);
+    EXPECT_TRUE(QFileInfo::exists(folder + QString::fromLatin1(kLoginScreen.folder) +
+                                  QStringLiteral("COH_LogInScreen_Background.texture")));
+    EXPECT_EQ(run({"status", "--game", "2"}).exit, 2);
 }
 
 } // namespace

@@ -118,4 +118,15 @@ TEST_F(RandomizerTabTest, FolderWithoutPicturesLeavesTheScreensTabAlone) {
     EXPECT_TRUE(entries("RandomHL").isEmpty());
 }
 
+TEST_F(RandomizerTabTest, TheGameLauncherStartsTheRandomizerWithTheArgumentsTyped) {
+    control<QLineEdit>("rndClientArgs")->setText(QStringLiteral("-project \"my server\" -x"));
+    control<QPushButton>("rndLauncher")->click();
+    const QString launcher =
+        root() + QStringLiteral("/data-home/applications/kelvaris-randomizer.desktop");
+    const QByteArray entry = readFile(launcher);
+    EXPECT_TRUE(entry.contains(" -randomizer -project \"my server\" -x\n")) << entry.constData();
+    ASSERT_EQ(ui.messages.size(), 1);
+    EXPECT_TRUE(ui.messages[0].text.contains(launcher));
+}
+
 } // namespace
