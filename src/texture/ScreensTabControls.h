@@ -3,7 +3,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-// Controls of the texture tabs (Screens, Textures) carry the design's names as object names.
+// Controls of the texture tabs (Screens, Textures) carry their names (scrSaveHL,
+// texInput, ...) as object names.
 
 inline QPushButton* makeButton(const char* caption, const char* name, QWidget* parent) {
     auto* button = new QPushButton(QString::fromLatin1(caption), parent);

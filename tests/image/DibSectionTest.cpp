@@ -10,7 +10,7 @@
 
 namespace {
 
-// The resampling exactly as the design words it, one pixel at a time, with
+// The resampling in its plain form, one pixel at a time, with
 // the library's rounding: the optimised loop must agree with it bit for bit.
 cDIBSection referenceResample(const cDIBSection& source, long newWidth, long newHeight) {
     cDIBSection out;
