@@ -5,6 +5,7 @@
 #include "app/StaleTemporaries.h"
 #include "app/StartUp.h"
 #include "cli/CommandLine.h"
+#include "online/OnlineSettings.h"
 #include "randomizer/RunRandomizer.h"
 
 #include <QApplication>
@@ -36,6 +37,10 @@ int main(int argc, char* argv[]) {
         RunRandomizer(gameFolder, arguments, early);
     // Only once the client is on its way: the player does not wait for this.
     RemoveStaleTemporariesAtStart(gameFolder);
+    // With nothing to refresh and nothing to tell, the game start is over:
+    // no window system is brought up at all.
+    if (randomizer && !early.HasWaitingMessages() && !DailyRefreshDue())
+        return 0;
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvaris"));

@@ -19,6 +19,7 @@ public:
 
     // Shows every waiting message on the desktop, in order.
     void ShowWaitingMessages();
+    bool HasWaitingMessages() const { return !waiting_.isEmpty(); }
 
 private:
     struct Waiting {

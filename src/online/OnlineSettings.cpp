@@ -1,10 +1,12 @@
 #include "OnlineSettings.h"
 
+#include "app/Clock.h"
 #include "app/NumberText.h"
 #include "app/PathUtils.h"
 #include "app/modRegistry.h"
 #include "texture/Catalogue.h"
 
+#include <QDate>
 #include <limits>
 
 namespace {
@@ -67,4 +69,19 @@ OnlineSlotTarget ReadSlotTarget(int Slot) {
 
 bool IsContainedTarget(const OnlineSlotTarget& Target) {
     return IsSafeCatalogueEntry(Target.Path, Target.File);
+}
+
+bool DailyRefreshDue() {
+    if (modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastOnlineUpdate")) ==
+        ShortDateText(QDate::currentDate()))
+        return false;
+    for (int slot = 0; slot < kDownloadSlots; ++slot)
+        if (!modRegistry::QueryValue(kSettingsKey, OnlineValueName(OnlineValue::Name, slot))
+                 .trimmed()
+                 .isEmpty() &&
+            !modRegistry::QueryValue(kSettingsKey, OnlineValueName(OnlineValue::Link, slot))
+                 .trimmed()
+                 .isEmpty())
+            return true;
+    return false;
 }

@@ -47,3 +47,8 @@ OnlineSlotTarget ReadSlotTarget(int Slot);
 // and its file name is a plain name (no "..", no absolute path, neither
 // empty, no control character).
 bool IsContainedTarget(const OnlineSlotTarget& Target);
+
+// Whether the randomizer start has online textures to refresh: not yet done
+// today, and some slot has both a texture and an address. When it has none,
+// the start ends as soon as the chat client is on its way.
+bool DailyRefreshDue();

@@ -3,10 +3,9 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QProcess>
-#include <QThread>
 
 namespace {
-constexpr unsigned long kPollMilliseconds = 100;
+constexpr int kPollMilliseconds = 100;
 }
 
 bool ShellAndWait(const QStringList& CommandLine, int, QString& Message, qint64 TimeOut) {
@@ -36,18 +35,20 @@ bool ShellAndWait(const QStringList& CommandLine, int, QString& Message, qint64 
         return false;
     }
 
+    // Waits in slices of 100 ms with the window's events run between them,
+    // and returns as soon as the tool has ended rather than after the slice.
     bool result = true;
     QElapsedTimer clock;
     clock.start();
-    bool running = true;
-    while (running) {
-        running = process->state() != QProcess::NotRunning && !process->waitForFinished(0);
+    for (;;) {
         QCoreApplication::processEvents();
-        QThread::msleep(kPollMilliseconds);
+        if (process->state() == QProcess::NotRunning ||
+            process->waitForFinished(int(kPollMilliseconds)))
+            break;
         if (clock.elapsed() > TimeOut) {
             Message = QStringLiteral("The NVIDIA tool has timed out.");
-            running = false;
             result = false;
+            break;
         }
     }
 
