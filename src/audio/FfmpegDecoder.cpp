@@ -1,18 +1,11 @@
 #include "FfmpegDecoder.h"
 
+#include "FfmpegLibrary.h"
 #include "app/FileRecord.h"
 
 #include <QFile>
 #include <algorithm>
 #include <cstring>
-
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/channel_layout.h>
-#include <libavutil/opt.h>
-#include <libswresample/swresample.h>
-}
 
 namespace {
 
@@ -24,26 +17,29 @@ constexpr int64_t kLengthLeadMs = 1000;
 // A stream that keeps failing to decode this many packets in a row is over.
 constexpr int kMaxBadPacketsInARow = 1000;
 
-int64_t millisecondsOf(int64_t value, AVRational timeBase) {
-    return av_rescale_q(value, timeBase, AVRational{1, 1000});
+int64_t millisecondsOf(const FfmpegLibrary& ff, int64_t value, AVRational timeBase) {
+    return ff.av_rescale_q(value, timeBase, AVRational{1, 1000});
 }
 
 } // namespace
 
-FfmpegDecoder::FfmpegDecoder() {
-    av_log_set_level(AV_LOG_QUIET);
-}
+FfmpegDecoder::FfmpegDecoder() = default;
 
 FfmpegDecoder::~FfmpegDecoder() {
     CloseStream();
 }
 
 int FfmpegDecoder::Initialise(quintptr, const QString&) {
-    av_log_set_level(AV_LOG_QUIET);
+    ff_ = FfmpegLibrary::Get();
+    if (!ff_) {
+        pluginCount_ = 0;
+        return 0;
+    }
+    ff_->av_log_set_level(AV_LOG_QUIET);
     int count = 0;
     void* iterator = nullptr;
-    while (const AVCodec* codec = av_codec_iterate(&iterator))
-        if (codec->type == AVMEDIA_TYPE_AUDIO && av_codec_is_decoder(codec))
+    while (const AVCodec* codec = ff_->av_codec_iterate(&iterator))
+        if (codec->type == AVMEDIA_TYPE_AUDIO && ff_->av_codec_is_decoder(codec))
             ++count;
     pluginCount_ = count;
     return count;
@@ -62,26 +58,27 @@ bool FfmpegDecoder::OpenStream(const QString& FileName) {
     if (!IsRegularFile(FileName))
         return false;
     const QByteArray name = QFile::encodeName(FileName);
-    format_ = avformat_alloc_context();
+    format_ = ff_->avformat_alloc_context();
     if (!format_)
         return false;
     format_->interrupt_callback = {&FfmpegDecoder::interruptReading, this};
     positionAtLastSound_ = 0;
-    if (avformat_open_input(&format_, name.constData(), nullptr, nullptr) < 0) {
+    if (ff_->avformat_open_input(&format_, name.constData(), nullptr, nullptr) < 0) {
         format_ = nullptr; // freed by the failed call
         return false;
     }
     const AVCodec* decoder = nullptr;
-    bool ok = avformat_find_stream_info(format_, nullptr) >= 0;
+    bool ok = ff_->avformat_find_stream_info(format_, nullptr) >= 0;
     if (ok) {
-        streamIndex_ = av_find_best_stream(format_, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
+        streamIndex_ = ff_->av_find_best_stream(format_, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
         ok = streamIndex_ >= 0 && decoder;
     }
     if (ok) {
-        codec_ = avcodec_alloc_context3(decoder);
+        codec_ = ff_->avcodec_alloc_context3(decoder);
         ok = codec_ &&
-             avcodec_parameters_to_context(codec_, format_->streams[streamIndex_]->codecpar) >= 0 &&
-             avcodec_open2(codec_, decoder, nullptr) >= 0;
+             ff_->avcodec_parameters_to_context(codec_, format_->streams[streamIndex_]->codecpar) >=
+                 0 &&
+             ff_->avcodec_open2(codec_, decoder, nullptr) >= 0;
     }
     if (ok) {
         const int sourceChannels = codec_->ch_layout.nb_channels;
@@ -90,8 +87,8 @@ bool FfmpegDecoder::OpenStream(const QString& FileName) {
         ok = sourceChannels >= 1 && sampleRate_ > 0;
     }
     if (ok) {
-        packet_ = av_packet_alloc();
-        frame_ = av_frame_alloc();
+        packet_ = ff_->av_packet_alloc();
+        frame_ = ff_->av_frame_alloc();
         ok = packet_ && frame_;
     }
     if (!ok) {
@@ -100,9 +97,9 @@ bool FfmpegDecoder::OpenStream(const QString& FileName) {
     }
     const AVStream* stream = format_->streams[streamIndex_];
     if (stream->duration != AV_NOPTS_VALUE && stream->duration > 0)
-        declaredMs_ = millisecondsOf(stream->duration, stream->time_base);
+        declaredMs_ = millisecondsOf(*ff_, stream->duration, stream->time_base);
     else if (format_->duration != AV_NOPTS_VALUE && format_->duration > 0)
-        declaredMs_ = millisecondsOf(format_->duration, AVRational{1, AV_TIME_BASE});
+        declaredMs_ = millisecondsOf(*ff_, format_->duration, AVRational{1, AV_TIME_BASE});
     // Only the chosen stream is decoded; the demuxer may skip the others.
     for (unsigned i = 0; i < format_->nb_streams; ++i)
         if (int(i) != streamIndex_)
@@ -111,12 +108,14 @@ bool FfmpegDecoder::OpenStream(const QString& FileName) {
 }
 
 void FfmpegDecoder::CloseStream() {
-    swr_free(&resampler_);
-    av_frame_free(&frame_);
-    av_packet_free(&packet_);
-    avcodec_free_context(&codec_);
-    if (format_)
-        avformat_close_input(&format_);
+    if (ff_) {
+        ff_->swr_free(&resampler_);
+        ff_->av_frame_free(&frame_);
+        ff_->av_packet_free(&packet_);
+        ff_->avcodec_free_context(&codec_);
+        if (format_)
+            ff_->avformat_close_input(&format_);
+    }
     streamIndex_ = -1;
     sampleRate_ = 0;
     channels_ = 0;
@@ -168,11 +167,11 @@ int FfmpegDecoder::interruptReading(void* decoder) {
 bool FfmpegDecoder::decodeMore() {
     int badPackets = 0;
     for (;;) {
-        const int received = avcodec_receive_frame(codec_, frame_);
+        const int received = ff_->avcodec_receive_frame(codec_, frame_);
         if (received >= 0) {
             positionAtLastSound_ = format_->pb ? format_->pb->pos : 0;
             const bool converted = convertFrame(frame_);
-            av_frame_unref(frame_);
+            ff_->av_frame_unref(frame_);
             if (converted && !pending_.empty())
                 return true;
             continue;
@@ -193,10 +192,10 @@ bool FfmpegDecoder::decodeMore() {
 
         // The decoder wants input: the next packet of our stream, or the
         // end-of-stream signal when the file has no more.
-        int read = av_read_frame(format_, packet_);
+        int read = ff_->av_read_frame(format_, packet_);
         while (read >= 0 && packet_->stream_index != streamIndex_) {
-            av_packet_unref(packet_);
-            read = av_read_frame(format_, packet_);
+            ff_->av_packet_unref(packet_);
+            read = ff_->av_read_frame(format_, packet_);
         }
         if (read < 0) {
             // A decoder that still wants input after the end was signalled
@@ -204,15 +203,15 @@ bool FfmpegDecoder::decodeMore() {
             if (endSent_)
                 decoderDrained_ = true;
             else
-                avcodec_send_packet(codec_, nullptr);
+                ff_->avcodec_send_packet(codec_, nullptr);
             endSent_ = true;
             continue;
         }
-        const int sent = avcodec_send_packet(codec_, packet_);
-        av_packet_unref(packet_);
+        const int sent = ff_->avcodec_send_packet(codec_, packet_);
+        ff_->av_packet_unref(packet_);
         // A damaged packet is skipped; only a long run of them ends the stream.
         if (sent < 0 && sent != AVERROR(EAGAIN) && ++badPackets > kMaxBadPacketsInARow) {
-            avcodec_send_packet(codec_, nullptr);
+            ff_->avcodec_send_packet(codec_, nullptr);
             endSent_ = true;
         } else if (sent >= 0)
             badPackets = 0;
@@ -226,24 +225,24 @@ bool FfmpegDecoder::configureResampler(const AVFrame* frame) {
         frame->format == resamplerInFormat_ && layoutMask == resamplerInLayout_ &&
         frame->ch_layout.nb_channels == resamplerInChannels_)
         return true;
-    swr_free(&resampler_);
+    ff_->swr_free(&resampler_);
     if (frame->ch_layout.nb_channels < 1 || frame->sample_rate <= 0)
         return false;
 
     AVChannelLayout in{};
     if (frame->ch_layout.order == AV_CHANNEL_ORDER_NATIVE)
-        av_channel_layout_copy(&in, &frame->ch_layout);
+        ff_->av_channel_layout_copy(&in, &frame->ch_layout);
     else // an unspecified or custom order is taken as the usual one for that count
-        av_channel_layout_default(&in, frame->ch_layout.nb_channels);
+        ff_->av_channel_layout_default(&in, frame->ch_layout.nb_channels);
     AVChannelLayout out{};
-    av_channel_layout_default(&out, channels_);
+    ff_->av_channel_layout_default(&out, channels_);
     const int made =
-        swr_alloc_set_opts2(&resampler_, &out, AV_SAMPLE_FMT_S16, sampleRate_, &in,
-                            AVSampleFormat(frame->format), frame->sample_rate, 0, nullptr);
-    av_channel_layout_uninit(&in);
-    av_channel_layout_uninit(&out);
-    if (made < 0 || swr_init(resampler_) < 0) {
-        swr_free(&resampler_);
+        ff_->swr_alloc_set_opts2(&resampler_, &out, AV_SAMPLE_FMT_S16, sampleRate_, &in,
+                                 AVSampleFormat(frame->format), frame->sample_rate, 0, nullptr);
+    ff_->av_channel_layout_uninit(&in);
+    ff_->av_channel_layout_uninit(&out);
+    if (made < 0 || ff_->swr_init(resampler_) < 0) {
+        ff_->swr_free(&resampler_);
         return false;
     }
     resamplerInRate_ = frame->sample_rate;
@@ -259,15 +258,15 @@ bool FfmpegDecoder::convertFrame(const AVFrame* frame) {
     if (!resampler_)
         return false;
     const int inSamples = frame ? frame->nb_samples : 0;
-    const int capacity = swr_get_out_samples(resampler_, inSamples);
+    const int capacity = ff_->swr_get_out_samples(resampler_, inSamples);
     if (capacity <= 0)
         return true;
     const size_t frameBytes = size_t(kBytesPerSample * channels_);
     pending_.resize(size_t(capacity) * frameBytes);
     uint8_t* out[] = {pending_.data()};
-    const int converted =
-        swr_convert(resampler_, out, capacity,
-                    frame ? const_cast<const uint8_t**>(frame->extended_data) : nullptr, inSamples);
+    const int converted = ff_->swr_convert(
+        resampler_, out, capacity,
+        frame ? const_cast<const uint8_t**>(frame->extended_data) : nullptr, inSamples);
     pending_.resize(converted > 0 ? size_t(converted) * frameBytes : 0);
     pendingOffset_ = 0;
     return converted >= 0;
@@ -276,12 +275,12 @@ bool FfmpegDecoder::convertFrame(const AVFrame* frame) {
 void FfmpegDecoder::Seek(int Milliseconds, int) {
     if (!codec_)
         return;
-    const int64_t target = av_rescale_q(std::max(Milliseconds, 0), AVRational{1, 1000},
-                                        format_->streams[streamIndex_]->time_base);
-    av_seek_frame(format_, streamIndex_, target, AVSEEK_FLAG_BACKWARD);
+    const int64_t target = ff_->av_rescale_q(std::max(Milliseconds, 0), AVRational{1, 1000},
+                                             format_->streams[streamIndex_]->time_base);
+    ff_->av_seek_frame(format_, streamIndex_, target, AVSEEK_FLAG_BACKWARD);
     positionAtLastSound_ = format_->pb ? format_->pb->pos : 0;
-    avcodec_flush_buffers(codec_);
-    swr_free(&resampler_);
+    ff_->avcodec_flush_buffers(codec_);
+    ff_->swr_free(&resampler_);
     decoderDrained_ = false;
     endSent_ = false;
     resamplerFlushed_ = false;

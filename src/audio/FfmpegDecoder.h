@@ -7,6 +7,7 @@
 #include <vector>
 
 struct AVCodecContext;
+struct FfmpegLibrary;
 struct AVFormatContext;
 struct AVFrame;
 struct AVPacket;
@@ -47,6 +48,7 @@ private:
     bool convertFrame(const AVFrame* frame);
     bool configureResampler(const AVFrame* frame);
 
+    const FfmpegLibrary* ff_ = nullptr; // bound by Initialise
     int pluginCount_ = 0;
     AVFormatContext* format_ = nullptr;
     AVCodecContext* codec_ = nullptr;
