@@ -26,8 +26,12 @@ cat >"$work/bin/wine" <<WINE
 date +%s%N >"$work/started"
 WINE
 chmod +x "$work/bin/wine"
-printf 'REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"CohPath"="%s"\r\n"LastOnlineUpdate"="%s"\r\n' \
-    "$game" "$(LC_ALL=C date +%x)" >"$work/config/kelvaris/registry.reg"
+# Today's refresh is done: "LastOnlineUpdate" holds today's date as Kelvaris
+# writes it, in the C locale the runs below use ("23 Nov 2026"), and a slot is
+# bound, as a player's is.
+export LC_ALL=C
+printf 'REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"CohPath"="%s"\r\n"LastOnlineUpdate"="%s"\r\n"webName0"="Login screen (1024x1024)"\r\n"webLink0"="http://127.0.0.1:9/x.png"\r\n' \
+    "$game" "$(date +'%-d %b %Y')" >"$work/config/kelvaris/registry.reg"
 
 times=""
 n=0

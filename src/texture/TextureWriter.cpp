@@ -19,6 +19,8 @@
 namespace {
 
 constexpr qint64 kDdsCopyChunk = 1024;
+// Picture rows are written in chunks of about this many bytes.
+constexpr long kImageChunkBytes = 256 * 1024;
 constexpr qint64 kContainerCopyChunk = 16384;
 // CopyDdsToTexture announces an uncompressed 1024 x 1024 32-bit DDS whatever
 // it copies; the game reads the real size from the DDS header.
@@ -143,18 +145,35 @@ void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, lon
     const QByteArray header = AsTga ? tgaHeader(Width, Height) : ddsHeader(Width, Height);
     WriteFileBytes(record, header.constData(), header.size());
 
-    const long rowBytes = Width * 4;
-    std::vector<quint8> buffer(static_cast<std::size_t>(std::max(rowBytes, 0L)) + 1, 0);
+    // Rows are gathered and written a chunk at a time: one write per row
+    // would cost a system call for every 4 KiB.
+    const long rowBytes = std::max(Width * 4, 0L);
+    const long chunkRows = std::max(1L, kImageChunkBytes / std::max(rowBytes, 1L));
+    std::vector<quint8> chunk(static_cast<std::size_t>(rowBytes * chunkRows) + 1, 0);
+    long rowsInChunk = 0;
+    auto flush = [&] {
+        if (rowsInChunk > 0)
+            WriteFileBytes(record, chunk.data(), qint64(rowBytes) * rowsInChunk);
+        rowsInChunk = 0;
+    };
+    auto nextRow = [&] {
+        if (rowsInChunk == chunkRows)
+            flush();
+        return chunk.data() + rowBytes * rowsInChunk++;
+    };
+
     const long pixels = std::min(cDib.Width(), Width);
     const bool masked = Alpha && cDibAlpha && !cDibAlpha->IsEmpty();
     const long bitmapHeight = cDib.Height();
+    const quint8* lastRow = nullptr;
 
     // The bitmap is stored bottom-up and the file wants the top row first.
     for (long y = bitmapHeight - 1; y >= 0; --y) {
         const quint8* source = cDib.Row(y);
         const quint8* mask = masked && y < cDibAlpha->Height() ? cDibAlpha->Row(y) : nullptr;
         const long maskPixels = mask ? cDibAlpha->Width() : 0;
-        quint8* into = buffer.data();
+        quint8* row = nextRow();
+        quint8* into = row;
         for (long x = 0; x < pixels; ++x, source += 3, into += 4) {
             into[0] = source[0];
             into[1] = source[1];
@@ -164,19 +183,22 @@ void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, lon
             else
                 into[3] = x < maskPixels ? mask[3 * x] : 255;
         }
-        WriteFileBytes(record, buffer.data(), rowBytes);
+        // A bitmap narrower than the image leaves the rest of the row zero.
+        lastRow = row;
         busy.ShowProgress(bitmapHeight - y, QString());
     }
 
     // The picture continues downwards by its bottom row; the loop runs to
     // Height inclusive, one row more than the header declares, as the game's
     // own files were made.
-    if (Height > bitmapHeight) {
+    if (Height > bitmapHeight && lastRow) {
+        const std::vector<quint8> bottom(lastRow, lastRow + rowBytes);
         for (long i = bitmapHeight; i <= Height; ++i) {
-            WriteFileBytes(record, buffer.data(), rowBytes);
+            std::copy(bottom.begin(), bottom.end(), nextRow());
             busy.ShowProgress(i, QString());
         }
     }
+    flush();
 }
 
 QString WriteErrorText() {
