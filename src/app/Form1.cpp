@@ -41,6 +41,12 @@ constexpr double kQuitGuardSeconds = 0.1;
 // The randomizer run gives up on downloads that send nothing for this long.
 constexpr double kDownloadSilenceSeconds = 30.0;
 
+// The progress bar's text as written: a file name holding "%" ("50%v off.png")
+// must not be taken for the bar's own %v, %p or %m.
+QString progressFormat(const QString& text) {
+    return QString(text).replace(u'%', QStringLiteral("%%"));
+}
+
 } // namespace
 
 Form1::Form1(UiServices& ui, const QStringList& arguments, QWidget* parent)
@@ -261,7 +267,7 @@ void Form1::SetBusy(bool Busy, bool Cancellable, long Maximum, const QString& Te
         XPProgressBar1_->setValue(0);
         if (Maximum > 0)
             XPProgressBar1_->setMaximum(int(Maximum));
-        XPProgressBar1_->setFormat(Text.isEmpty() ? QStringLiteral(" ") : Text);
+        XPProgressBar1_->setFormat(Text.isEmpty() ? QStringLiteral(" ") : progressFormat(Text));
         XPProgressBar1_->show();
         SSTab1_->setEnabled(false);
         Quit_->setText(QStringLiteral("Cancel"));
@@ -281,7 +287,7 @@ void Form1::ShowProgress(long Value, const QString& Text) {
     if (!randomizerMode_) {
         XPProgressBar1_->setValue(int(Value));
         if (!Text.isEmpty())
-            XPProgressBar1_->setFormat(Text);
+            XPProgressBar1_->setFormat(progressFormat(Text));
     }
     QCoreApplication::processEvents();
 }

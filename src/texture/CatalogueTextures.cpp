@@ -48,9 +48,14 @@ bool WriteCatalogueTexture(const CatalogueEntry& entry, const CustomTexture& sou
 
 void WriteCatalogueTextures(const QList<CatalogueEntry>& entries, const CustomTexture& source,
                             const TextureContext& context, BusyHost& busy, UiServices& ui) {
+    if (context.gameFolder.isEmpty()) {
+        ui.Message(NoGameFolderText(), MsgIcon::Exclamation);
+        return;
+    }
+    // Each texture reports its own failure and the run goes on; a texture
+    // whose picture did not load is not written at all.
     for (const CatalogueEntry& entry : entries)
-        if (!WriteCatalogueTexture(entry, source, context, busy, ui))
-            break;
+        WriteCatalogueTexture(entry, source, context, busy, ui);
 }
 
 QList<CatalogueEntry> ReplacedTextures(const QString& gameFolder,

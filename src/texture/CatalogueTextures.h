@@ -31,7 +31,8 @@ bool WriteCatalogueTexture(const CatalogueEntry& entry, const CustomTexture& sou
                            const TextureContext& context, BusyHost& busy, UiServices& ui);
 
 // Every entry in turn (sizes differ, so the picture is loaded again for
-// each), stopping as WriteCatalogueTexture says.
+// each); each reports its own failure and the run goes on. Only a missing
+// game folder stops it, told once.
 void WriteCatalogueTextures(const QList<CatalogueEntry>& entries, const CustomTexture& source,
                             const TextureContext& context, BusyHost& busy, UiServices& ui);
 

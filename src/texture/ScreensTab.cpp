@@ -49,6 +49,10 @@ ScreensTab::ScreensTab(TabHost& host, SharedImages& images, QWidget* parent)
     pictureLayout->addLayout(fileRow);
     pictureLayout->addWidget(scrPreview_, 0, Qt::AlignHCenter);
     pictureLayout->addLayout(saveRow);
+    // The preview and the save buttons are never squeezed together, whatever
+    // else the tab shows (the word-wrapped frame rule below would otherwise
+    // take their rows when the level sliders open).
+    pictureFrame->setMinimumHeight(pictureFrame->minimumSizeHint().height());
 
     QWidget* framesFrame = buildFramesFrame();
     buildAdjustmentFrame();

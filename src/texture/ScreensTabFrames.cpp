@@ -46,7 +46,7 @@ QWidget* ScreensTab::buildFramesFrame() {
     grid->addWidget(new QLabel(QStringLiteral("Login screen:"), frame), 1, 0);
     grid->addWidget(FrameHL_, 1, 1);
     grid->addWidget(BrowseHL_, 1, 2);
-    grid->addWidget(new QLabel(QStringLiteral("Character screen:"), frame), 2, 0);
+    grid->addWidget(new QLabel(QStringLiteral("Characters:"), frame), 2, 0);
     grid->addWidget(FrameHC_, 2, 1);
     grid->addWidget(BrowseHC_, 2, 2);
     grid->addWidget(rule, 3, 0, 1, 3);

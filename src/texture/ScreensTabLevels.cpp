@@ -11,6 +11,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayout>
 #include <QScrollBar>
 
 namespace {
@@ -90,6 +91,14 @@ void ScreensTab::DisplayImageControls() {
     adjWhite_->setValue(255);
     adjWhiteDisplay_->setText(QStringLiteral("255"));
     adjFrame_->show();
+    // The sliders need room: the window grows to what its tabs now need, so
+    // the preview keeps its 180 rows and the save buttons stay below it.
+    if (QWidget* top = window(); top && top->layout()) {
+        if (layout())
+            layout()->activate();
+        top->layout()->activate();
+        top->resize(top->size().expandedTo(top->minimumSizeHint()));
+    }
 }
 
 void ScreensTab::adjBlack_Change() {

@@ -4,6 +4,7 @@
 #include "texture/PreviewBox.h"
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDirIterator>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -104,6 +105,17 @@ TEST_F(ScreensFramesLevelsTest, LevelsTriedOnThePreviewThenApplied) {
     choosePicture();
     control<PreviewBox>("scrPreview")->Clicked();
     EXPECT_TRUE(adjFrame->isVisible());
+    // Everything fits: the preview keeps its rows, the save button is below
+    // it, the sliders below both.
+    QCoreApplication::processEvents();
+    auto* preview = control<PreviewBox>("scrPreview");
+    const auto inWindow = [this](const QWidget* widget) {
+        return QRect(widget->mapTo(form.get(), QPoint(0, 0)), widget->size());
+    };
+    EXPECT_EQ(preview->height(), 180);
+    EXPECT_GE(inWindow(control<QPushButton>("scrSaveHL")).top(), inWindow(preview).bottom());
+    EXPECT_GE(inWindow(adjFrame).top(), inWindow(control<QPushButton>("scrSaveHL")).bottom());
+    EXPECT_LE(inWindow(adjFrame).bottom(), form->height());
     auto* black = control<QScrollBar>("adjBlack");
     auto* white = control<QScrollBar>("adjWhite");
     white->setValue(20);

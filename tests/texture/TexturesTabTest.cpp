@@ -245,7 +245,7 @@ TEST_F(TexturesTabTest, WriteFailuresAreToldPerTextureAndTheLoopGoesOn) {
     EXPECT_TRUE(control<QTabWidget>("SSTab1")->isEnabled());
 }
 
-TEST_F(TexturesTabTest, AnUnreadablePictureOrMaskIsToldOnceAndNothingIsWritten) {
+TEST_F(TexturesTabTest, AnUnreadablePictureOrMaskIsToldPerTextureAndNothingIsWritten) {
     enterTab();
     ui.openAnswers.push_back(writeFile(QStringLiteral("pictures/broken.png"), "not a picture"));
     click("texBrowse");
@@ -254,7 +254,10 @@ TEST_F(TexturesTabTest, AnUnreadablePictureOrMaskIsToldOnceAndNothingIsWritten) 
     ui.openAnswers.push_back(writeFile(QStringLiteral("pictures/broken.bmp"), "BM"));
     click("texAlphaBrowse");
     click("texSave");
-    EXPECT_EQ(ui.messageTexts(), QStringList(2, "Image could not be loaded."));
+    // Each texture of the category reports its own failure: the picture's
+    // first, then the mask's.
+    EXPECT_EQ(ui.messageTexts(),
+              QStringList(2 * form->Catalogue().Selection().Count(), "Image could not be loaded."));
     EXPECT_TRUE(filesWritten().isEmpty());
     EXPECT_FALSE(form->IsBusy());
 }
