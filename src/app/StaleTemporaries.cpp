@@ -17,6 +17,10 @@ namespace {
 // rather than holding up the start.
 constexpr int kMostEntriesWalked = 200000;
 
+const QStringList kNameFilters = {QStringLiteral("*.kelvaris-??????"),
+                                  QStringLiteral("registry.reg.??????"),
+                                  QStringLiteral("kelvaris.csv.??????")};
+
 // Earlier versions replaced the settings and the catalogue through Qt's
 // own temporary names ("registry.reg.Ab12Cd").
 bool isOlderTemporaryName(const QString& name) {
@@ -34,7 +38,9 @@ int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds) {
     for (const QString& folder : folders) {
         if (folder.isEmpty())
             continue;
-        QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System,
+        // Names are matched before anything is looked up about an entry, so
+        // a library of thousands of pictures costs no more than its listing.
+        QDirIterator it(folder, kNameFilters, QDir::Files | QDir::Hidden | QDir::System,
                         QDirIterator::Subdirectories);
         while (it.hasNext() && walked++ < kMostEntriesWalked) {
             it.next();

@@ -21,7 +21,7 @@ namespace {
 constexpr qint64 kDdsCopyChunk = 1024;
 // Picture rows are written in chunks of about this many bytes.
 constexpr long kImageChunkBytes = 256 * 1024;
-constexpr qint64 kContainerCopyChunk = 16384;
+constexpr qint64 kContainerCopyChunk = 1024 * 1024;
 // CopyDdsToTexture announces an uncompressed 1024 x 1024 32-bit DDS whatever
 // it copies; the game reads the real size from the DDS header.
 constexpr qint32 kFixedPayloadSize = 4194432;
