@@ -11,7 +11,7 @@ top=$(cd "$(dirname "$0")/.." && pwd)
 build="$top/build-fuzz"
 seconds=${KELVARIS_FUZZ_SECONDS:-30}
 targets=${KELVARIS_FUZZ_TARGETS:-archive_directory tga_decoder regedit4 wine_hive catalogue \
-textures_reg_import download_response launcher_files}
+textures_reg_import download_response launcher_files texture_reader}
 
 CC=clang CXX=clang++ cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
     -DKELVARIS_BUILD_FUZZ=ON -DKELVARIS_BUILD_TESTS=OFF -DKELVARIS_BUILD_BENCH=OFF >/dev/null

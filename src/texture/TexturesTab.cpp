@@ -3,19 +3,24 @@
 #include "CatalogueBuilder.h"
 #include "CatalogueLoader.h"
 #include "ScreensTabControls.h"
+#include "TextureReader.h"
 #include "app/TabHost.h"
 #include "app/UiServices.h"
 #include "image/ImageOpenDialog.h"
 #include "image/LoadImage.h"
+#include "image/PictureDecoder.h"
 #include "image/SharedImages.h"
 #include "texture/TextureWriter.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
 #include <QVBoxLayout>
 
 namespace {
@@ -79,9 +84,33 @@ TexturesTab::TexturesTab(TabHost& host, QWidget* parent) : QWidget(parent), host
     destinationLayout->addLayout(buttonRow, 3, 0, 1, 2);
     destinationLayout->setColumnStretch(1, 1);
 
+    // See before writing: the picture, the mask, and what the game has now
+    // at the chosen texture.
+    auto* previewFrame = new QGroupBox(QStringLiteral("Preview"), this);
+    auto* previewLayout = new QGridLayout(previewFrame);
+    const char* const captions[] = {"Picture", "Alpha mask", "In the game now"};
+    QLabel** thumbnails[] = {&texPicturePreview_, &texMaskPreview_, &texInstalledPreview_};
+    for (int i = 0; i < 3; ++i) {
+        *thumbnails[i] = new QLabel(previewFrame);
+        (*thumbnails[i])->setFixedSize(kThumbnail, kThumbnail);
+        (*thumbnails[i])->setAlignment(Qt::AlignCenter);
+        (*thumbnails[i])->setFrameShape(QFrame::StyledPanel);
+        previewLayout->addWidget(new QLabel(QString::fromLatin1(captions[i]), previewFrame), 0, i,
+                                 Qt::AlignHCenter);
+        previewLayout->addWidget(*thumbnails[i], 1, i, Qt::AlignHCenter);
+    }
+    texPicturePreview_->setObjectName(QStringLiteral("texPicturePreview"));
+    texMaskPreview_->setObjectName(QStringLiteral("texMaskPreview"));
+    texInstalledPreview_->setObjectName(QStringLiteral("texInstalledPreview"));
+    texInstalledText_ = new QLabel(previewFrame);
+    texInstalledText_->setObjectName(QStringLiteral("texInstalledText"));
+    texInstalledText_->setWordWrap(true);
+    previewLayout->addWidget(texInstalledText_, 2, 2, Qt::AlignHCenter);
+
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(sourceFrame);
     layout->addWidget(destinationFrame);
+    layout->addWidget(previewFrame);
     layout->addStretch(1);
 
     connect(texBrowse_, &QPushButton::clicked, this, &TexturesTab::texBrowse_Click);
@@ -92,6 +121,51 @@ TexturesTab::TexturesTab(TabHost& host, QWidget* parent) : QWidget(parent), host
     connect(texSave_, &QPushButton::clicked, this, &TexturesTab::texSave_Click);
     connect(texReset_, &QPushButton::clicked, this, &TexturesTab::texReset_Click);
     connect(texBuild_, &QPushButton::clicked, this, &TexturesTab::texBuild_Click);
+    connect(texTexture_, &QComboBox::currentIndexChanged, this, &TexturesTab::UpdatePreviews);
+    connect(texInput_, &QLineEdit::textChanged, this, &TexturesTab::UpdatePreviews);
+    connect(texAlpha_, &QLineEdit::textChanged, this, &TexturesTab::UpdatePreviews);
+}
+
+namespace {
+
+// A picture fitted into a thumbnail, or a word when there is none.
+void showThumbnail(QLabel* label, const QImage& image, const QString& otherwise) {
+    if (image.isNull()) {
+        label->setPixmap({});
+        label->setText(otherwise);
+        return;
+    }
+    label->setPixmap(QPixmap::fromImage(
+        image.scaled(label->size() - QSize(4, 4), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+}
+
+} // namespace
+
+void TexturesTab::UpdatePreviews() {
+    showThumbnail(texPicturePreview_,
+                  texInput_->text().isEmpty() ? QImage() : DecodePicture(texInput_->text()),
+                  QStringLiteral("none"));
+    showThumbnail(texMaskPreview_,
+                  texAlpha_->text().isEmpty() ? QImage() : DecodePicture(texAlpha_->text()),
+                  QStringLiteral("none"));
+    const CatalogueSelection& catalogue = host_.Catalogue().Selection();
+    const int i = texTexture_->currentIndex();
+    const QString file =
+        i >= 0 && i < catalogue.Count()
+            ? TextureGameFile(host_.GameFolder(), catalogue.paths[i], catalogue.files[i])
+            : QString();
+    if (file.isEmpty() || !QFileInfo(file).isFile()) {
+        showThumbnail(texInstalledPreview_, {}, QStringLiteral("the game's own"));
+        texInstalledText_->setText(i >= 0 ? QStringLiteral("not replaced") : QString());
+        return;
+    }
+    const TexturePicture installed = ReadTextureFile(file);
+    showThumbnail(texInstalledPreview_, installed.image, QStringLiteral("unreadable"));
+    texInstalledText_->setText(installed.error.isEmpty() ? QStringLiteral("%1x%2, %3")
+                                                               .arg(installed.image.width())
+                                                               .arg(installed.image.height())
+                                                               .arg(installed.format)
+                                                         : installed.error);
 }
 
 void TexturesTab::reload(int category) {
@@ -155,10 +229,12 @@ void TexturesTab::texSave_Click() {
     // With no texture selected there is nothing to write.
     if (!writeAll()) {
         WriteCustomTexture(texTexture_->currentIndex());
+        UpdatePreviews();
         return;
     }
     WriteCatalogueTextures(host_.Catalogue().Selection().Entries(), source(),
                            host_.TextureWriteContext(), host_.Busy(), host_.Ui());
+    UpdatePreviews();
 }
 
 void TexturesTab::texReset_Click() {
@@ -174,11 +250,13 @@ void TexturesTab::texReset_Click() {
             ui.Message(RestoreOneQuestion(), MsgIcon::Question, MsgButtons::YesNo) ==
                 MsgAnswer::Yes)
             RestoreCatalogueTextures(gameFolder, one, ui);
+        UpdatePreviews();
         return;
     }
     if (ui.Message(RestoreAllQuestion(), MsgIcon::Question, MsgButtons::YesNo) != MsgAnswer::Yes)
         return;
     RestoreCatalogueTextures(gameFolder, catalogue.Entries(), ui);
+    UpdatePreviews();
 }
 
 void TexturesTab::texBuild_Click() {

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QLabel;
 class TabHost;
 class QCheckBox;
 class QComboBox;
@@ -36,6 +37,10 @@ public:
     void texReset_Click();
     void texBuild_Click();
 
+    // The thumbnails of the source picture, the mask and the texture the
+    // game has now at the chosen entry (with its size), or "the game's own".
+    void UpdatePreviews();
+
 Q_SIGNALS:
     // The shared catalogue lists now describe another category: a texture
     // chooser elsewhere (the Online tab's) goes back to its slot list.
@@ -57,5 +62,10 @@ private:
     QPushButton* texSave_;
     QPushButton* texReset_;
     QPushButton* texBuild_;
+    QLabel* texPicturePreview_ = nullptr;
+    QLabel* texMaskPreview_ = nullptr;
+    QLabel* texInstalledPreview_ = nullptr;
+    QLabel* texInstalledText_ = nullptr;
+    static constexpr int kThumbnail = 96;
     bool tabOpen_ = false;
 };

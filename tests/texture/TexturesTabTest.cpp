@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDirIterator>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -373,6 +374,23 @@ TEST_F(TexturesTabTest, TheQuitButtonCancelsTheBuildAndTheCatalogueStays) {
                           "changed."});
     EXPECT_EQ(readFile(UserCatalogueFile()), kCatalogue);
     EXPECT_FALSE(form->IsUnloaded());
+}
+
+TEST_F(TexturesTabTest, PreviewsShowThePicturesAndWhatTheGameHasNow) {
+    chooseSourceAndMask(true);
+    auto* installed = control<QLabel>("texInstalledText");
+    EXPECT_FALSE(control<QLabel>("texPicturePreview")->pixmap().isNull());
+    EXPECT_FALSE(control<QLabel>("texMaskPreview")->pixmap().isNull());
+    texture->setCurrentIndex(1); // Blast (64x16)
+    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
+    EXPECT_EQ(control<QLabel>("texInstalledPreview")->text(), QStringLiteral("the game's own"));
+
+    click("texSave");
+    EXPECT_EQ(installed->text(), QStringLiteral("64x16, 32-bit"));
+    EXPECT_FALSE(control<QLabel>("texInstalledPreview")->pixmap().isNull());
+    ui.answers.push_back(MsgAnswer::Yes);
+    click("texReset");
+    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
 }
 
 } // namespace
