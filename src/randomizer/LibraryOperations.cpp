@@ -4,11 +4,14 @@
 #include "RandomFile.h"
 #include "app/PathUtils.h"
 #include "app/UiServices.h"
+#include "app/modRegistry.h"
 #include "image/FrameOverlay.h"
 #include "image/LoadImage.h"
 #include "texture/ScreenTargets.h"
+#include "texture/TextureReader.h"
 #include "texture/TextureWriter.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -87,4 +90,37 @@ int AddFolderToLibrary(const LibraryAdd& add, const QString& Folder, const Textu
 
 QStringList ListLibrary(const QString& gameFolder, LibraryHalf half) {
     return ListLibraryImages(ResolveExistingCase(LibraryFolderOf(gameFolder, half)));
+}
+
+int RemoveLibraryEntries(const QString& gameFolder, LibraryHalf half, const QStringList& names,
+                         UiServices& ui) {
+    const QString folder = ResolveExistingCase(LibraryFolderOf(gameFolder, half));
+    int removed = 0;
+    for (const QString& name : names) {
+        // Only entries of this half: a name never leads out of its folder.
+        if (!IsContainedRelative(name) || name.contains(u'/'))
+            continue;
+        if (QFile::remove(folder + u'/' + name))
+            ++removed;
+        else
+            ui.Message(QStringLiteral("\"%1\" could not be deleted. Please check file "
+                                      "permissions.")
+                           .arg(folder + u'/' + name),
+                       MsgIcon::Exclamation);
+    }
+    return removed;
+}
+
+QImage LibraryThumbnail(const QString& gameFolder, LibraryHalf half, const QString& name,
+                        const QSize& size) {
+    const TexturePicture picture =
+        ReadTextureFile(ResolveExistingCase(LibraryFolderOf(gameFolder, half)) + u'/' + name);
+    if (picture.image.isNull())
+        return {};
+    return picture.image.copy(0, 0, int(kScreenWidth), int(kScreenHeight))
+        .scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+QString LastLibraryPick(LibraryHalf half) {
+    return modRegistry::QueryValue(kSettingsKey, QString::fromLatin1(HalfInfo(half).lastPick));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -62,3 +63,17 @@ int AddFolderToLibrary(const LibraryAdd& add, const QString& Folder, const Textu
 
 // The entries of a half, in the order the folder lists them.
 QStringList ListLibrary(const QString& gameFolder, LibraryHalf half);
+
+// Deletes the named entries of a half; each one that cannot be deleted is
+// reported. Returns how many were removed.
+int RemoveLibraryEntries(const QString& gameFolder, LibraryHalf half, const QStringList& names,
+                         UiServices& ui);
+
+// The entry's picture as the game shows it (the top 1024 x 768 of the
+// library's 1024 x 1024 image), fitted into `size`; null when it cannot be
+// read.
+QImage LibraryThumbnail(const QString& gameFolder, LibraryHalf half, const QString& name,
+                        const QSize& size);
+
+// The entry the last randomizer start picked for the half ("" for none).
+QString LastLibraryPick(LibraryHalf half);

@@ -1,6 +1,7 @@
 #include "RandomizerTab.h"
 
 #include "LibraryFolder.h"
+#include "LibraryView.h"
 #include "RandomizerDesktopEntry.h"
 #include "app/ControlTag.h"
 #include "app/PathUtils.h"
@@ -67,9 +68,18 @@ RandomizerTab::RandomizerTab(TabHost& host, ScreensTab& screens, QWidget* parent
     launcherRow->addWidget(rndClientArgs_, 1);
     launcherRow->addWidget(rndLauncher_);
 
+    // What a game start may pick from, as pictures.
+    auto* library = new QGroupBox(QStringLiteral("Library"), this);
+    libraryHL_ = new LibraryView(host_, LibraryHalf::Login, library);
+    libraryHC_ = new LibraryView(host_, LibraryHalf::Character, library);
+    auto* halves = new QHBoxLayout(library);
+    halves->addWidget(libraryHL_);
+    halves->addWidget(libraryHC_);
+
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(rndFrame);
     layout->addWidget(destination);
+    layout->addWidget(library, 1);
     layout->addWidget(launcher);
     layout->addStretch(1);
 
@@ -175,6 +185,7 @@ void RandomizerTab::save(LibraryHalf half) {
     };
     AddFolderToLibrary(add, folder, host_.TextureWriteContext(), host_.Busy(), host_.Ui());
     button->setText(QString::fromLatin1(HalfInfo(half).caption));
+    RefreshLibrary();
     if (last.isEmpty())
         return; // nothing was loaded: the Screens tab keeps its picture
     screens_.UpdatePreviews();
@@ -188,4 +199,15 @@ void RandomizerTab::addRandomImage(LibraryHalf half, const QString& FileName) {
     WriteLibraryEntry(libraryAdd(half), FileName, host_.TextureWriteContext(), host_.Busy(),
                       host_.Ui());
     button->setEnabled(true);
+    RefreshLibrary();
+}
+
+void RandomizerTab::RefreshLibrary() {
+    libraryHL_->Refresh();
+    libraryHC_->Refresh();
+}
+
+void RandomizerTab::showEvent(QShowEvent* event) {
+    RefreshLibrary();
+    QWidget::showEvent(event);
 }

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class LibraryView;
 class TabHost;
 class QCheckBox;
 class QLineEdit;
@@ -33,6 +34,12 @@ public:
     // "Create game launcher": the player's menu entry for the randomizer start.
     void rndLauncher_Click();
 
+    // Lists both halves of the library again (done whenever the tab shows).
+    void RefreshLibrary();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     QPushButton* buttonFor(LibraryHalf half) const;
     LibraryAdd libraryAdd(LibraryHalf half) const;
@@ -45,6 +52,8 @@ private:
     QPushButton* rndBrowse_;
     QCheckBox* rndFolder_;
     QPushButton* rndSaveHL_;
+    LibraryView* libraryHL_ = nullptr;
+    LibraryView* libraryHC_ = nullptr;
     QLineEdit* rndClientArgs_ = nullptr;
     QPushButton* rndLauncher_ = nullptr;
     QPushButton* rndSaveHC_;

@@ -1,13 +1,17 @@
 #include "randomizer/RandomizerTab.h"
 
+#include "app/modRegistry.h"
 #include "common/FormFixture.h"
 #include "randomizer/LibraryFolder.h"
+#include "randomizer/LibraryView.h"
 
 #include <QCheckBox>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 
 namespace {
@@ -39,6 +43,7 @@ protected:
         control<QPushButton>("rndBrowse")->click();
     }
     void save(const char* button) { control<QPushButton>(button)->click(); }
+    void click(const char* button) { control<QPushButton>(button)->click(); }
 };
 
 TEST_F(RandomizerTabTest, OnePictureBecomesAnEntryOfEachHalfFramedWhereFramesAreOn) {
@@ -127,6 +132,36 @@ TEST_F(RandomizerTabTest, TheGameLauncherStartsTheRandomizerWithTheArgumentsType
     EXPECT_TRUE(entry.contains(" -randomizer -project \"my server\" -x\n")) << entry.constData();
     ASSERT_EQ(ui.messages.size(), 1);
     EXPECT_TRUE(ui.messages[0].text.contains(launcher));
+}
+
+TEST_F(RandomizerTabTest, TheLibraryIsShownAsPicturesAndEntriesCanBeRemoved) {
+    choose(picture(QStringLiteral("pics/one.png")));
+    save("rndSaveHL");
+    choose(picture(QStringLiteral("pics/two.png"), qRgb(10, 200, 10)));
+    save("rndSaveHL");
+    modRegistry::SetValue(kSettingsKey, QStringLiteral("RandomHL"), QStringLiteral("two.png.dds"));
+    auto* view = form->findChildren<LibraryView*>().first();
+    view->Refresh();
+    view->FinishThumbnails();
+    auto* list = control<QListWidget>("rndLibraryHL");
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(control<QLabel>("rndCountHL")->text(), QStringLiteral("2 picture(s)"));
+    for (int i = 0; i < 2; ++i)
+        EXPECT_FALSE(list->item(i)->icon().isNull()) << i;
+    // The last game start's pick is marked.
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(list->item(i)->font().bold(), list->item(i)->text() == u"two.png.dds");
+
+    // Removing asks first; "No" keeps the entry.
+    list->item(0)->setSelected(true);
+    const QString removed = list->item(0)->text();
+    click("rndRemoveHL");
+    EXPECT_EQ(entries("RandomHL").size(), 2);
+    ui.answers.push_back(MsgAnswer::Yes);
+    click("rndRemoveHL");
+    EXPECT_EQ(entries("RandomHL"),
+              QStringList{removed == u"one.png.dds" ? "two.png.dds" : "one.png.dds"});
+    EXPECT_EQ(list->count(), 1);
 }
 
 } // namespace
