@@ -3,6 +3,7 @@
 #include "MusicTables.h"
 #include "app/FileRecord.h"
 #include "app/GameFolders.h"
+#include "app/GameManifest.h"
 #include "app/PathUtils.h"
 
 #include <QFileInfo>
@@ -53,8 +54,14 @@ bool WriteMusicTargets(const QString& Source, const QString& GameFolder, MusicBo
         bool allWritten = true;
         for (const QString& file : target.files) {
             const QString path = GameFolder + u'/' + file;
-            allWritten = LiesBelow(path, GameFolder, kMusicFolder) && CopySoundFile(Source, path) &&
-                         allWritten;
+            // The player's own music there is kept before it is replaced.
+            const bool written =
+                LiesBelow(path, GameFolder, kMusicFolder) &&
+                GameManifest::KeepOriginal(GameFolder, ResolveExistingCase(path)) &&
+                CopySoundFile(Source, path);
+            if (written)
+                GameManifest::Record(GameFolder, ResolveExistingCase(path));
+            allWritten = written && allWritten;
         }
         if (allWritten)
             boxes[target.box] = Qt::PartiallyChecked;

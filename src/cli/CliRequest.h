@@ -48,3 +48,4 @@ int RunOnlineCommand(const CliRequest& request);
 int RunSettingsCommand(const CliRequest& request);
 int RunStatusCommand(const CliRequest& request);
 int RunGamesCommand(const CliRequest& request);
+int RunRestoreCommand(const CliRequest& request);

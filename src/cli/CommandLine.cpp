@@ -24,7 +24,7 @@ const Command kCommands[] = {
     {"texture", RunTextureCommand},   {"catalogue", RunCatalogueCommand},
     {"music", RunMusicCommand},       {"online", RunOnlineCommand},
     {"settings", RunSettingsCommand}, {"status", RunStatusCommand},
-    {"games", RunGamesCommand},
+    {"games", RunGamesCommand},       {"restore", RunRestoreCommand},
 };
 
 const Command* commandNamed(const QString& name) {
@@ -133,6 +133,7 @@ QString CommandLineUsage() {
         "  kelvaris settings list | get NAME | set NAME VALUE\n"
         "  kelvaris status [--json]\n"
         "  kelvaris games [--json]      the installations found on this machine\n"
+        "  kelvaris restore PATH...|--all --yes  undo Kelvaris's changes to the game\n"
         "Options: --game FOLDER|NUMBER (a folder, or a number from \"kelvaris games\";\n"
         "else the stored game folder), --compress, --no-compress\n"
         "(else the stored setting), --yes (answers the questions the window asks).\n"

@@ -2,6 +2,7 @@
 
 #include "CliRequest.h"
 #include "app/GameInstallations.h"
+#include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/RegText.h"
 #include "app/modRegistry.h"
@@ -127,4 +128,35 @@ int RunGamesCommand(const CliRequest& request) {
     else if (games.isEmpty())
         PrintLine(QStringLiteral("No installation of the game was found."));
     return kCliSuccess;
+}
+
+int RunRestoreCommand(const CliRequest& request) {
+    if (request.all == (request.words.size() > 1))
+        return UsageError(QStringLiteral("restore takes the paths status lists, or --all"));
+    if (request.game.isEmpty())
+        return Failure(QStringLiteral("No game folder is set. Name one with --game."));
+    QStringList paths;
+    for (const Present& file : presentFiles(request.game))
+        if (QLatin1String(file.kind) != u"library" &&
+            (request.all || request.words.contains(file.path)))
+            paths << file.path;
+    if (paths.isEmpty()) {
+        PrintLine(QStringLiteral("Nothing to restore: the game has its own files there."));
+        return kCliSuccess;
+    }
+    const QString question = QStringLiteral("This will REMOVE %1 file(s) Kelvaris placed in the "
+                                            "game, putting back any file they replaced.\n\nAre "
+                                            "you sure?")
+                                 .arg(paths.size());
+    if (request.ui->Message(question, MsgIcon::Question, MsgButtons::YesNo) != MsgAnswer::Yes)
+        return Failure(QStringLiteral("Nothing was restored: add --yes to answer Yes."));
+    int failed = 0;
+    for (const QString& path : paths)
+        if (!GameManifest::Restore(request.game, request.game + u'/' + path)) {
+            request.ui->Message(QStringLiteral("\"%1\" could not be restored.").arg(path),
+                                MsgIcon::Exclamation);
+            ++failed;
+        }
+    PrintLine(QStringLiteral("%1 file(s) restored.").arg(paths.size() - failed));
+    return failed == 0 ? kCliSuccess : kCliFailure;
 }

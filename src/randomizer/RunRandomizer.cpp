@@ -4,6 +4,7 @@
 #include "LibraryOperations.h"
 #include "RandomFile.h"
 #include "RandomizerArguments.h"
+#include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/StartUp.h"
 #include "texture/ScreenTargets.h"
@@ -33,8 +34,13 @@ void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiSe
         const QString pick = RandomFile(library + u'/', QString::fromLatin1(info.lastPick));
         if (pick.isEmpty())
             continue;
-        CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(info.screen.file),
-                         ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath));
+        const QString texture = ResolveExistingCase(target + QString::fromLatin1(info.screen.file) +
+                                                    QStringLiteral(".texture"));
+        if (!GameManifest::KeepOriginal(GameFolder, texture))
+            continue;
+        if (CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(info.screen.file),
+                             ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath)))
+            GameManifest::Record(GameFolder, texture);
     }
     // The client starts in the game folder, as it would from its own shortcut.
     if (!GameFolder.isEmpty())

@@ -1,6 +1,7 @@
 #include "CatalogueTextures.h"
 
 #include "TextureWriter.h"
+#include "app/GameManifest.h"
 #include "app/UiServices.h"
 #include "image/LoadImage.h"
 
@@ -74,7 +75,8 @@ int RestoreCatalogueTextures(const QString& gameFolder, const QList<CatalogueEnt
     int removed = 0;
     for (const CatalogueEntry& entry : ReplacedTextures(gameFolder, entries)) {
         const QString path = TextureGameFile(gameFolder, entry.folder, entry.file);
-        if (QFile::remove(path))
+        // The file it replaced comes back when Kelvaris kept one.
+        if (GameManifest::Restore(gameFolder, path))
             ++removed;
         else
             ui.Message(QStringLiteral("\"%1\" could not be deleted. Please check file "

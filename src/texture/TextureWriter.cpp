@@ -3,6 +3,7 @@
 #include "app/BusyHost.h"
 #include "app/FileRecord.h"
 #include "app/GameFolders.h"
+#include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/UiServices.h"
 #include "image/cDIBSection.h"
@@ -316,7 +317,17 @@ bool WriteTexture(const TextureRequest& request, const TextureContext& context, 
         WriteImageFile(output, cDib, Width, Height, Alpha, cDibAlpha, false, busy);
     }
 
-    return CommitFileRecord(output);
+    // A game texture Kelvaris did not write itself is kept before it is
+    // replaced, and what Kelvaris writes is noted.
+    if (Texture && !GameManifest::KeepOriginal(context.gameFolder, outputName)) {
+        DiscardFileRecord(output);
+        return false;
+    }
+    if (!CommitFileRecord(output))
+        return false;
+    if (Texture)
+        GameManifest::Record(context.gameFolder, outputName);
+    return true;
 }
 
 bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,

@@ -185,4 +185,24 @@ TEST_F(CommandLineTest, GamesListsTheInstallationsAndGameTakesTheirNumber) {
     EXPECT_EQ(run({"status", "--game", "2"}).exit, 2);
 }
 
+TEST_F(CommandLineTest, RestoreUndoesEveryChangeAndGivesBackWhatWasReplaced) {
+    const QString own = writeFile(QStringLiteral("game/data/sound/Ogg/FrontEnd/H_music1_loop.ogg"),
+                                  "OggS the player's own");
+    const QString ogg = writeFile(QStringLiteral("song.ogg"), "OggS Kelvaris's");
+    ASSERT_EQ(run({"music", ogg, "hero-login"}).exit, 0);
+    ASSERT_EQ(run({"screen", "login", picture}).exit, 0);
+    ASSERT_EQ(run({"library", "add", "login", picture}).exit, 0);
+
+    EXPECT_EQ(run({"restore", "--all"}).exit, 1); // asks first
+    EXPECT_EQ(readFile(own), QByteArray("OggS Kelvaris's"));
+    const Run restored = run({"restore", "--all", "--yes"});
+    EXPECT_EQ(restored.exit, 0) << restored.err.toStdString();
+    EXPECT_EQ(readFile(own), QByteArray("OggS the player's own"));
+    EXPECT_FALSE(QFileInfo::exists(loginTexture()));
+    EXPECT_FALSE(
+        QFileInfo::exists(game + QStringLiteral("/data/sound/Ogg/FrontEnd/H_music2_loop.ogg")));
+    // The library is Kelvaris's own and stays.
+    EXPECT_EQ(run({"library", "list", "login"}).out, QStringLiteral("login\tpicture.png.dds\n"));
+}
+
 } // namespace

@@ -106,8 +106,8 @@ protected:
         click("texSave");
     }
 
-    // Every file below the temporary folder but the settings, cache and
-    // pictures, relative to it.
+    // Every file below the temporary folder but the settings, cache,
+    // pictures and Kelvaris's manifest of what it wrote, relative to it.
     QStringList filesWritten() const {
         QStringList files;
         QDirIterator it(root(), QDir::Files, QDirIterator::Subdirectories);
@@ -115,7 +115,8 @@ protected:
             const QString path = QDir(root()).relativeFilePath(it.next());
             if (!path.startsWith(QStringLiteral("config/")) &&
                 !path.startsWith(QStringLiteral("cache/")) &&
-                !path.startsWith(QStringLiteral("pictures/")))
+                !path.startsWith(QStringLiteral("pictures/")) &&
+                !path.endsWith(QStringLiteral("/Kelvaris/manifest.txt")))
                 files << path;
         }
         files.sort();
