@@ -4,6 +4,7 @@
 #include "ControlTag.h"
 #include "CreditsTab.h"
 #include "FormSettings.h"
+#include "InstalledTab.h"
 #include "PathUtils.h"
 #include "SettingsTab.h"
 #include "StartUp.h"
@@ -79,6 +80,7 @@ void Form1::buildWindow() {
     SSTab1_->addTab(texturesTab_, QStringLiteral("Textures"));
     onlineTab_ = new OnlineTab(ui_, *downloads_, *catalogue_, SSTab1_);
     SSTab1_->addTab(onlineTab_, QStringLiteral("Online"));
+    SSTab1_->addTab(new InstalledTab(*this, SSTab1_), QStringLiteral("Installed"));
     settingsTab_ = new SettingsTab(ui_, SSTab1_);
     SSTab1_->addTab(settingsTab_, QStringLiteral("Settings"));
     creditsTab_ = new CreditsTab(ui_, SSTab1_);

@@ -2,6 +2,7 @@
 
 #include "CliRequest.h"
 #include "app/GameInstallations.h"
+#include "app/GameInventory.h"
 #include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/RegText.h"
@@ -17,39 +18,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-namespace {
-
-// A game file Kelvaris can replace that is there now.
-struct Present {
-    const char* kind; // "screen", "texture", "music", "library"
-    QString path;     // relative to the game folder
-};
-
-QList<Present> presentFiles(const QString& game) {
-    QList<Present> present;
-    auto note = [&](const char* kind, const QString& relative) {
-        const QString path = ResolveExistingCase(game + u'/' + relative);
-        if (QFileInfo(path).isFile())
-            present.append({kind, path.mid(game.size() + 1)});
-    };
-    for (const ScreenTarget* screen : {&kLoginScreen, &kCharacterScreen})
-        note("screen", QString::fromLatin1(screen->folder).mid(1) +
-                           QString::fromLatin1(screen->file) + QStringLiteral(".texture"));
-    for (const CatalogueCategory& category : ReadCatalogue(CatalogueFile()).categories)
-        for (const CatalogueEntry& entry : category.entries)
-            if (IsSafeCatalogueEntry(entry.folder, entry.file))
-                note("texture", QStringLiteral("data/") + entry.folder + u'/' + entry.file +
-                                    QStringLiteral(".texture"));
-    for (const MusicTarget& target : MusicTargets())
-        for (const QString& file : target.files)
-            note("music", file);
-    for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character})
-        for (const QString& name : ListLibrary(game, half))
-            note("library", QString::fromLatin1(HalfInfo(half).folder).mid(1) + name);
-    return present;
-}
-
-} // namespace
+namespace {} // namespace
 
 int RunSettingsCommand(const CliRequest& request) {
     const QString action = request.word(1);
@@ -83,10 +52,10 @@ int RunStatusCommand(const CliRequest& request) {
         return UsageError(QStringLiteral("status takes no operands"));
     if (request.game.isEmpty())
         return Failure(QStringLiteral("No game folder is set. Name one with --game."));
-    const QList<Present> present = presentFiles(request.game);
+    const QList<InventoryFile> present = GameInventory(request.game);
     if (request.json) {
         QJsonArray files;
-        for (const Present& file : present)
+        for (const InventoryFile& file : present)
             files.append(QJsonObject{{QStringLiteral("kind"), QString::fromLatin1(file.kind)},
                                      {QStringLiteral("path"), file.path}});
         const QJsonObject status{{QStringLiteral("game"), request.game},
@@ -95,7 +64,7 @@ int RunStatusCommand(const CliRequest& request) {
         return kCliSuccess;
     }
     PrintLine(QStringLiteral("game\t") + request.game);
-    for (const Present& file : present)
+    for (const InventoryFile& file : present)
         PrintLine(QString::fromLatin1(file.kind) + u'\t' + file.path);
     return kCliSuccess;
 }
@@ -136,9 +105,9 @@ int RunRestoreCommand(const CliRequest& request) {
     if (request.game.isEmpty())
         return Failure(QStringLiteral("No game folder is set. Name one with --game."));
     QStringList paths;
-    for (const Present& file : presentFiles(request.game))
+    for (const InventoryFile& file : GameInventory(request.game))
         if (QLatin1String(file.kind) != u"library" &&
-            (request.all || request.words.contains(file.path)))
+            ((request.all && file.byKelvaris) || request.words.contains(file.path)))
             paths << file.path;
     if (paths.isEmpty()) {
         PrintLine(QStringLiteral("Nothing to restore: the game has its own files there."));
