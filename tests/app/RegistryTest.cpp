@@ -20,54 +20,34 @@ protected:
     }
 };
 
-TEST_F(RegistryTest, FirstNonBlankValueCreatesTheStoreAndBlankCreatesNothing) {
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("   ")));
+TEST_F(RegistryTest, BlankDeletesAndOtherTextRoundTripsUntrimmedUnderAnyLetterCase) {
+    // Nothing to store: no store is made, and deleting what is not there says so.
+    EXPECT_FALSE(SetValue(kSettingsKey, "CohPath", "   "));
     EXPECT_FALSE(QFile::exists(storeFile()));
+    EXPECT_EQ(CreateKey(kSettingsKey), 1); // new
+    EXPECT_EQ(CreateKey(kSettingsKey), 2); // existing
 
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh")));
-    EXPECT_TRUE(QFile::exists(storeFile()));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    const QString awkward = QStringLiteral(" C:\\Games\\\"CoH\" ; [x] = é ");
+    EXPECT_TRUE(SetValue(kSettingsKey, "FrameHL", awkward));
     EXPECT_TRUE(readFile(storeFile()).startsWith("REGEDIT4\r\n"));
+    EXPECT_EQ(QueryValue("software\\cohkelvaris", "framehl"), awkward);
+    SetValue(kSettingsKey, "FRAMEHL", "b");
+    EXPECT_EQ(QueryValue(kSettingsKey, "FrameHL"), QStringLiteral("b"));
+
+    EXPECT_TRUE(SetValue(kSettingsKey, "FrameHL", "   "));
+    EXPECT_EQ(QueryValue(kSettingsKey, "FrameHL"), QString());
+    EXPECT_FALSE(readFile(storeFile()).toLower().contains("framehl"));
+    EXPECT_FALSE(SetValue(kSettingsKey, "FrameHL", QString()));
 }
 
-TEST_F(RegistryTest, BlankDeletesAndOtherTextIsStoredUntrimmed) {
-    SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral(" a "));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QStringLiteral(" a "));
-
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral("   ")));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QString());
-    EXPECT_FALSE(readFile(storeFile()).contains("\"A\""));
-    // Deleting what is not there changes nothing and says so.
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("A"), QString()));
-}
-
-TEST_F(RegistryTest, NamesIgnoreLetterCaseAndAwkwardTextRoundTrips) {
-    const QString awkward = QStringLiteral("C:\\Games\\\"CoH\" ; [x] = é");
-    SetValue(kSettingsKey, QStringLiteral("FrameHL"), awkward);
-    EXPECT_EQ(QueryValue(QStringLiteral("software\\cohkelvaris"), QStringLiteral("framehl")),
-              awkward);
-    SetValue(kSettingsKey, QStringLiteral("FRAMEHL"), QStringLiteral("b"));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("FrameHL")), QStringLiteral("b"));
-}
-
-TEST_F(RegistryTest, ValuesLongerThan1023CharactersReadAsEmpty) {
-    SetValue(kSettingsKey, QStringLiteral("Ok"), QString(1023, u'x'));
-    SetValue(kSettingsKey, QStringLiteral("TooLong"), QString(1024, u'x'));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Ok")).size(), 1023);
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("TooLong")), QString());
-}
-
-TEST_F(RegistryTest, TenMegabyteValueKeepsTheRestOfTheStore) {
-    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/g"));
-    SetValue(kSettingsKey, QStringLiteral("Huge"), QString(10 * 1024 * 1024, u'y'));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Huge")), QString());
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/g"));
+TEST_F(RegistryTest, ValuesLongerThan1023CharactersReadAsEmptyAndCostNothingElse) {
+    SetValue(kSettingsKey, "Ok", QString(1023, u'x'));
+    SetValue(kSettingsKey, "TooLong", QString(1024, u'x'));
+    SetValue(kSettingsKey, "Huge", QString(10 * 1024 * 1024, u'y'));
+    EXPECT_EQ(QueryValue(kSettingsKey, "Ok").size(), 1023);
+    EXPECT_EQ(QueryValue(kSettingsKey, "TooLong"), QString());
+    EXPECT_EQ(QueryValue(kSettingsKey, "Huge"), QString());
     EXPECT_TRUE(asideFiles().isEmpty());
-}
-
-TEST_F(RegistryTest, CreateKeyTellsNewFromExisting) {
-    EXPECT_EQ(CreateKey(kSettingsKey), 1);
-    EXPECT_EQ(CreateKey(kSettingsKey), 2);
 }
 
 TEST_F(RegistryTest, OnlyAFileThatIsNoStoreAtAllIsKeptAside) {
