@@ -29,27 +29,29 @@ protected:
     QString game;
 };
 
-TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClient) {
+TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClientWithTheArgumentsAsTyped) {
     const QByteArray loginEntry = QByteArray("DDS login").leftJustified(128, '.');
     const QByteArray characterEntry = QByteArray("DDS char").leftJustified(200, '.');
-    writeFile(QStringLiteral("game/Kelvaris/RandomHL/Sunset.dds"), loginEntry);
-    writeFile(QStringLiteral("game/Kelvaris/RandomHC/city night.dds"), characterEntry);
-
-    RunRandomizer(game, QStringList{"-randomizer", "-x", "1"}, ui);
+    writeFile("game/Kelvaris/RandomHL/Sunset.dds", loginEntry);
+    writeFile("game/Kelvaris/RandomHC/city night.dds", characterEntry);
+    // Given as a list, and as the text of a command line.
+    const QStringList typed = {"-project", "", "say \"hi\"", "-randomizer", "C:\\x y", ""};
+    RunRandomizer(game, typed, ui);
+    RunRandomizer(game, JoinCommandLine(typed), ui);
 
     // A 32-byte header, the texture's name with its NUL, then the image.
     const QByteArray login = readFile(loginTexture());
     EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + loginEntry)));
     EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 128);
     EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith(characterEntry));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHL")),
-              QStringLiteral("Sunset.dds"));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("RandomHC")),
-              QStringLiteral("city night.dds"));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHL"), QStringLiteral("Sunset.dds"));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHC"), QStringLiteral("city night.dds"));
 
-    ASSERT_EQ(ui.starts.size(), 1);
-    EXPECT_EQ(ui.starts[0].arguments,
-              QStringList({game + QStringLiteral("/paragonchat.exe"), "-x", "1"}));
+    const QStringList expected = {
+        game + "/paragonchat.exe", "-project", "", "say \"hi\"", "C:\\x y", ""};
+    ASSERT_EQ(ui.starts.size(), 2);
+    EXPECT_EQ(ui.starts[0].arguments, expected);
+    EXPECT_EQ(ui.starts[1].arguments, expected);
     EXPECT_EQ(QDir::currentPath(), game);
 }
 
@@ -75,17 +77,6 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     RunRandomizer(game, QStringList{"-randomizer"}, ui);
     EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background")));
     EXPECT_EQ(ui.starts.size(), 2);
-}
-
-TEST_F(RunRandomizerTest, ClientGetsEachArgumentAsTypedFromTheListOrItsText) {
-    const QStringList typed = {"-project", "", "say \"hi\"", "-randomizer", "C:\\x y", ""};
-    RunRandomizer(game, typed, ui);
-    RunRandomizer(game, JoinCommandLine(typed), ui);
-    const QStringList expected = {
-        game + QStringLiteral("/paragonchat.exe"), "-project", "", "say \"hi\"", "C:\\x y", ""};
-    ASSERT_EQ(ui.starts.size(), 2);
-    EXPECT_EQ(ui.starts[0].arguments, expected);
-    EXPECT_EQ(ui.starts[1].arguments, expected);
 }
 
 TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
