@@ -28,23 +28,30 @@ protected:
     MusicBoxStates boxes;
 };
 
+// Every BoomBox box has a track of its own; the login folders are made only
+// when needed, the Pocket D folder always; folders in another letter case
+// are reused; a grayed box was written already.
 TEST_F(MusicWriterTest, WritesTheTickedBoxesInTheGamesLetterCaseAndSkipsGrayedOnes) {
-    boxes[QStringLiteral("sndVillainLogin")] = Qt::Checked;
-    boxes[BoomBoxName(0)] = Qt::PartiallyChecked;
+    QDir().mkpath(game + "/Data/Sound/OGG/boombox");
+    for (int i = 0; i < kBoomBoxCount; ++i)
+        boxes[BoomBoxName(i)] = Qt::Checked;
+    boxes["sndVillainLogin"] = Qt::Checked;
+    boxes["sndHeroLogin"] = Qt::PartiallyChecked;
     EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
-    EXPECT_EQ(written("V_FrontEnd"), QStringList({"V_Music1_loop.ogg", "V_Music2_loop.ogg"}));
-    EXPECT_TRUE(written("BoomBox").isEmpty());
-    EXPECT_EQ(boxes[QStringLiteral("sndVillainLogin")], Qt::PartiallyChecked);
-    EXPECT_EQ(boxes[BoomBoxName(0)], Qt::PartiallyChecked);
-}
-
-TEST_F(MusicWriterTest, ExistingFoldersInAnotherCaseAreReused) {
-    QDir().mkpath(game + QStringLiteral("/Data/Sound/OGG/boombox"));
-    boxes[BoomBoxName(3)] = Qt::Checked;
-    WriteMusicTargets(source, game, boxes);
-    EXPECT_TRUE(
-        QFileInfo::exists(game + QStringLiteral("/Data/Sound/OGG/boombox/Track1_loop.ogg")));
-    EXPECT_FALSE(QFileInfo::exists(game + QStringLiteral("/data")));
+    EXPECT_FALSE(QFileInfo::exists(game + "/data"));
+    const QString ogg = game + "/Data/Sound/OGG/";
+    QStringList tracks = QDir(ogg + "boombox").entryList(QDir::Files);
+    for (int track = 1; track <= kBoomBoxCount; ++track)
+        EXPECT_TRUE(tracks.removeOne(QStringLiteral("Track%1_loop.ogg").arg(track))) << track;
+    EXPECT_TRUE(tracks.isEmpty());
+    EXPECT_EQ(readFile(ogg + "boombox/Track1_loop.ogg"), readFile(source));
+    EXPECT_EQ(QDir(ogg).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase),
+              QStringList({"boombox", "Rave", "V_FrontEnd"}));
+    EXPECT_EQ(QDir(ogg + "V_FrontEnd").entryList(QDir::Files),
+              QStringList({"V_Music1_loop.ogg", "V_Music2_loop.ogg"}));
+    EXPECT_TRUE(QDir(ogg + "Rave").isEmpty());
+    EXPECT_EQ(boxes["sndVillainLogin"], Qt::PartiallyChecked);
+    EXPECT_EQ(boxes[BoomBoxName(24)], Qt::PartiallyChecked);
 }
 
 TEST_F(MusicWriterTest, NothingIsWrittenWithoutAGameFolder) {
