@@ -1,6 +1,5 @@
 #include "texture/TextureWriter.h"
 
-#include "app/FileRecord.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/RecordingBusy.h"
@@ -17,10 +16,6 @@
 #include <sys/stat.h>
 
 namespace {
-
-quint32 u32(const QByteArray& bytes, qsizetype at) {
-    return qFromLittleEndian<quint32>(bytes.constData() + at);
-}
 
 const QString kNvError =
     QStringLiteral("Error calling the NVIDIA tool!\r\nPlease disable Texture Compression.");
@@ -78,26 +73,24 @@ protected:
     RecordingBusy busy;
 };
 
+// The texture already there, in another letter case, is replaced in place.
 TEST_F(TextureWriterTest, LoginScreenUncompressedRepeatsItsBottomRowTo1025Rows) {
+    const QString existing = "game/Data/Texture_Library/gui/creation/hybridui/loginscreen/";
+    writeFile(existing + "coh_loginscreen_background.texture", "old");
     loadScreenPicture();
     ASSERT_TRUE(writeLogin());
     EXPECT_TRUE(ui.messages.isEmpty());
-    const QByteArray bytes = readFile(loginFile());
-    const QByteArray name = "texture_library/GUI/CREATION/HybridUI/LoginScreen/"
-                            "COH_LogInScreen_Background.dds";
-    const qsizetype headerSize = 32 + name.size() + 1;
-    ASSERT_EQ(bytes.size(), headerSize + 128 + 1025 * 4096);
-    EXPECT_EQ(bytes.left(headerSize),
-              LongToString(qint32(headerSize)) + LongToString(4194432) + LongToString(1024) +
-                  LongToString(768) + QByteArray(12, '\0') + QByteArray("\0TX2", 4) + name + '\0');
-    const QByteArray dds = bytes.mid(headerSize);
-    // Every field of the DDS header, by its offset / 4 (reserved ones zero).
-    const quint32 ddsHeader[32] = {
-        0x20534444, 124, 0x1007, 1024,       1024,       0,          0,          0,     0, 0,
-        0,          0,   0,      0,          0,          0,          0,          0,     0, 32,
-        0x41,       0,   32,     0x00FF0000, 0xFFFFFF00, 0x000000FF, 0xFF000000, 0x1000};
-    for (int field = 0; field < 32; ++field)
-        EXPECT_EQ(u32(dds, field * 4), ddsHeader[field]) << "DDS header offset " << field * 4;
+    EXPECT_FALSE(QFileInfo::exists(game + "/data"));
+    EXPECT_EQ(QDir(root() + u'/' + existing).entryList(QDir::Files),
+              QStringList{"coh_loginscreen_background.texture"});
+    const QByteArray bytes =
+        readFile(root() + u'/' + existing + "coh_loginscreen_background.texture");
+    const TextureFile texture(bytes);
+    EXPECT_EQ(texture.name, "texture_library/GUI/CREATION/HybridUI/LoginScreen/"
+                            "COH_LogInScreen_Background.dds");
+    EXPECT_EQ(QSize(int(texture.width), int(texture.height)), QSize(1024, 768));
+    ASSERT_EQ(bytes.size(), texture.headerSize + 128 + 1025 * 4096);
+    EXPECT_EQ(texture.payloadSize, 128u + 1024 * 4096);
 
     // Rows top first (memory row 767 first); the bottom row fills rows 768 to 1024.
     auto expectedRow = [&](long memoryRow) {
@@ -106,11 +99,20 @@ TEST_F(TextureWriterTest, LoginScreenUncompressedRepeatsItsBottomRowTo1025Rows) 
             out += QByteArray(reinterpret_cast<const char*>(p), 3) + '\xFF';
         return out;
     };
+    const QByteArray dds = bytes.mid(texture.headerSize);
+    // The header by its fields (offset / 4, reserved ones zero). Standard
+    // readers take the green mask differently; the game takes it as written.
+    const quint32 ddsHeader[32] = {
+        0x20534444, 124, 0x1007, 1024,       1024,       0,          0,          0,     0, 0,
+        0,          0,   0,      0,          0,          0,          0,          0,     0, 32,
+        0x41,       0,   32,     0x00FF0000, 0xFFFFFF00, 0x000000FF, 0xFF000000, 0x1000};
+    for (int field = 0; field < 32; ++field)
+        EXPECT_EQ(qFromLittleEndian<quint32>(dds.constData() + field * 4), ddsHeader[field])
+            << "DDS header offset " << field * 4;
     EXPECT_EQ(dds.mid(128, 4096), expectedRow(767));
     EXPECT_EQ(dds.mid(128 + 400 * 4096, 4096), expectedRow(367));
     for (int r = 767; r <= 1024; ++r)
         ASSERT_EQ(dds.mid(128 + r * 4096, 4096), expectedRow(0)) << "row " << r;
-    EXPECT_EQ(QDir(loginFolder()).entryList(QDir::Files).size(), 1);
 }
 
 TEST_F(TextureWriterTest, BareDdsTakesAlphaFromTheMaskBlueAndPadsANarrowBitmap) {
@@ -134,19 +136,6 @@ TEST_F(TextureWriterTest, BareDdsTakesAlphaFromTheMaskBlueAndPadsANarrowBitmap) 
     ASSERT_EQ(bytes.size(), 128 + 2 * 16); // no container header
     EXPECT_EQ(bytes.mid(128, 16),
               QByteArray("\x0A\x15\x1E\x01\x0B\x15\x1E\x65\x0C\x15\x1E\xC9\0\0\0\0", 16));
-}
-
-TEST_F(TextureWriterTest, TgaHeaderAndOpaqueAlphaWithoutMask) {
-    dib.Create(2, 1);
-    dib.Row(0)[0] = 1;
-    const QString path = root() + QStringLiteral("/t.tga");
-    FileRecord record = OpenFileRecord(path, kGenericWrite, kShareReadWrite, kCreateAlways);
-    ASSERT_NE(record.Handle, -1);
-    WriteImageFile(record, dib, 2, 1, false, nullptr, true, busy);
-    CloseFileRecord(record);
-    EXPECT_EQ(
-        readFile(path),
-        QByteArray("\0\0\x02\0\0\0\0\0\0\0\0\0\x02\0\x01\0\x20\x2F\x01\0\0\xFF\0\0\0\xFF", 26));
 }
 
 TEST_F(TextureWriterTest, CopyDdsToTextureWrapsTheFileWithTheFixedSize) {
@@ -223,43 +212,25 @@ TEST_F(TextureWriterTest, AReadOnlyTextureStaysAsItIs) {
     EXPECT_EQ(QDir(loginFolder()).entryList(QDir::Files).size(), 1);
 }
 
-TEST_F(TextureWriterTest, AFolderAndFileInAnotherLetterCaseAreReused) {
-    const QString existing =
-        QStringLiteral("game/Data/Texture_Library/gui/creation/hybridui/loginscreen/");
-    writeFile(existing + QStringLiteral("coh_loginscreen_background.texture"), "old");
-    ASSERT_TRUE(writeLogin());
-    EXPECT_FALSE(QFileInfo::exists(game + QStringLiteral("/data")));
-    const QFileInfoList files = QDir(root() + u'/' + existing).entryInfoList(QDir::Files);
-    ASSERT_EQ(files.size(), 1);
-    EXPECT_EQ(files[0].fileName(), QStringLiteral("coh_loginscreen_background.texture"));
-    EXPECT_GT(files[0].size(), 4000000);
-}
-
 // ---- compressed, with the real nvcompress -------------------------------------
 
-// The options chosen are proven by the real runs below; this is the quoting.
-TEST(CompressorScript, QuotesTheFoldersForTheShell) {
-    EXPECT_EQ(CompressorScript(QStringLiteral("/tmp/it's here"),
-                               QStringLiteral("/usr/bin/nvcompress"), false, true),
-              QByteArray("#!/bin/sh\ncd '/tmp/it'\\''s here'\n'/usr/bin/nvcompress' -bc3 "
-                         "temp_tga.tga temp_dds.dds>nvcompress.log\n"));
-}
-
+// The work folder's name needs quoting for the compressor's shell script.
 TEST_F(TextureWriterTest, LoginScreenCompressedByNvcompress) {
     loadScreenPicture();
     context.compress = true;
+    context.workFolder = root() + "/work it's";
+    QDir().mkpath(context.workFolder);
     ASSERT_TRUE(writeLogin());
     EXPECT_TRUE(ui.messages.isEmpty()) << ui.messageTexts().join(u'\n').toStdString();
     const QByteArray bytes = readFile(loginFile());
-    const qsizetype headerSize = u32(bytes, 0);
-    const qint64 payload = u32(bytes, 4);
+    const TextureFile texture(bytes);
+    const qint64 payload = texture.payloadSize;
     EXPECT_EQ(payload, 128 + 1024 * 1024 / 2); // BC1, no mipmaps
     const qint64 padded = (payload + 1023) / 1024 * 1024;
-    ASSERT_EQ(bytes.size(), headerSize + padded);
-    EXPECT_EQ(bytes.mid(headerSize + payload), QByteArray(padded - payload, '\0'));
-    const QByteArray dds = bytes.mid(headerSize, payload);
-    EXPECT_EQ(dds.mid(84, 4), QByteArray("DXT1"));
-    const QImage back = decompressed(dds);
+    ASSERT_EQ(bytes.size(), texture.headerSize + padded);
+    EXPECT_EQ(bytes.mid(texture.headerSize + payload), QByteArray(padded - payload, '\0'));
+    EXPECT_EQ(texture.dds.mid(84, 4), QByteArray("DXT1"));
+    const QImage back = decompressed(texture.dds);
     ASSERT_EQ(back.size(), QSize(1024, 1024));
     // BC1 may turn a few blocks transparent black: compare the others.
     int worst = 0, compared = 0, sampled = 0;
@@ -296,12 +267,11 @@ TEST_P(CompressedTextures, CarryMipmapsAndTheMaskAsAlpha) {
     ASSERT_TRUE(
         WriteTexture(TextureRequest::CatalogueTexture(game, icon, dib, alpha ? &mask : nullptr),
                      context, busy, ui));
-    const QByteArray bytes = readFile(folder + QStringLiteral("icon.texture"));
-    const QByteArray dds = bytes.mid(u32(bytes, 0), u32(bytes, 4));
+    const QByteArray dds = TextureFile(readFile(folder + "icon.texture")).dds;
     // 64, 32, 16, 8, 4, 2 and 1 pixels: 343 blocks of 16 (BC3) or 8 (BC1) bytes.
     EXPECT_EQ(dds.size(), 128 + 343 * (alpha ? 16 : 8));
     EXPECT_EQ(dds.mid(84, 4), QByteArray(alpha ? "DXT5" : "DXT1"));
-    EXPECT_EQ(u32(dds, 28), 7u);
+    EXPECT_EQ(dds[28], 7); // the mipmap count
     const QImage back = decompressed(dds);
     ASSERT_EQ(back.size(), QSize(64, 64));
     EXPECT_LE(qAlpha(back.pixel(5, 5)), alpha ? 8 : 255);
