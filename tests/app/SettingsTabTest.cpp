@@ -37,36 +37,32 @@ protected:
     std::unique_ptr<SettingsTab> tab;
 };
 
-TEST_F(SettingsTabTest, WithoutTheGameKeyDetectionIsDisabledAndEverythingEditable) {
-    control<QCheckBox>("setAuto")->setChecked(true);
-    tab->setAuto_Click();
-    EXPECT_FALSE(control<QCheckBox>("setAuto")->isEnabled());
-    EXPECT_TRUE(control<QCheckBox>("setAuto")->isChecked()); // the mark is left alone
+TEST_F(SettingsTabTest, DetectionNeedsTheGameKeyAndOwnsWhatTheKeyHolds) {
+    auto* detect = control<QCheckBox>("setAuto");
+    detect->setChecked(true);
+    tab->setAuto_Click(); // no game key: the box is disabled, its mark left alone
+    EXPECT_FALSE(detect->isEnabled());
+    EXPECT_TRUE(detect->isChecked());
     EXPECT_TRUE(manualControlsEnabled());
-}
 
-TEST_F(SettingsTabTest, GameKeyWithDetectionOffOnlyEnablesTheBox) {
-    setGameKey("Installation Directory", "/games/coh");
-    tab->SetGameFolder(QStringLiteral("/mine"));
-    tab->DetectGame();
-    EXPECT_TRUE(control<QCheckBox>("setAuto")->isEnabled());
-    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/mine"));
-    EXPECT_TRUE(manualControlsEnabled());
-}
-
-TEST_F(SettingsTabTest, DetectionFillsWhatTheGameKeyHas) {
     setGameKey("Installation Directory", "/games/coh");
     setGameKey("screenX", "1920");
-    control<QLineEdit>("setHeight")->setText(QStringLiteral("600"));
-    control<QCheckBox>("setAuto")->setChecked(true);
+    detect->setChecked(false);
+    tab->SetGameFolder("/mine");
+    control<QLineEdit>("setHeight")->setText("600");
+    tab->DetectGame(); // detection off: only the box comes alive
+    EXPECT_TRUE(detect->isEnabled());
+    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/mine"));
+    EXPECT_TRUE(manualControlsEnabled());
+
+    detect->setChecked(true);
     tab->setAuto_Click();
     EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/coh"));
     EXPECT_EQ(tab->ScreenWidthText(), QStringLiteral("1920"));
     EXPECT_EQ(tab->ScreenHeightText(), QStringLiteral("600")); // no screenY: left alone
     EXPECT_FALSE(control<QLineEdit>("setCohPath")->isEnabled());
     EXPECT_FALSE(control<QLineEdit>("setWidth")->isEnabled());
-
-    control<QCheckBox>("setAuto")->setChecked(false);
+    detect->setChecked(false);
     tab->setAuto_Click();
     EXPECT_TRUE(manualControlsEnabled());
 }
@@ -74,24 +70,15 @@ TEST_F(SettingsTabTest, DetectionFillsWhatTheGameKeyHas) {
 TEST_F(SettingsTabTest, BrowseTakesTheExecutablesFolderAndIgnoresACancel) {
     int changes = 0;
     QObject::connect(tab.get(), &SettingsTab::GameFolderChanged, tab.get(), [&] { ++changes; });
-    tab->SetGameFolder(QStringLiteral("/old"));
-    changes = 0;
-
-    ui.openAnswers.push_back(QStringLiteral("/games/City of Heroes/cityofheroes.exe"));
+    tab->SetGameFolder("/old");
+    ui.openAnswers.push_back("/games/City of Heroes/cityofheroes.exe");
     tab->setBrowse_Click();
-    ASSERT_EQ(ui.openRequests.size(), 1);
-    EXPECT_EQ(ui.openRequests[0].startFolder, QStringLiteral("/old"));
-    EXPECT_EQ(ui.openRequests[0].proposedName, QStringLiteral("cityofheroes.exe"));
-    EXPECT_EQ(ui.openRequests[0].filter,
-              QStringLiteral("City of Heroes|cityofheroes.exe;cityofvillains.exe"));
+    EXPECT_EQ(ui.openRequests.value(0).startFolder, QStringLiteral("/old"));
     EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
-
+    changes = 0;
     tab->setBrowse_Click(); // cancelled
     EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
-    ui.openAnswers.push_back(QStringLiteral("/cityofheroes.exe"));
-    tab->setBrowse_Click(); // a file in the root changes nothing
-    EXPECT_EQ(tab->GameFolder(), QStringLiteral("/games/City of Heroes"));
-    EXPECT_GE(changes, 3); // the save buttons are looked at after every browse
+    EXPECT_EQ(changes, 1); // the save buttons are looked at after every browse
 }
 
 TEST_F(SettingsTabTest, SizeBoxesSelectOnFocusAndShowTheirNumberOnLeaving) {

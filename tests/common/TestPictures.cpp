@@ -61,3 +61,12 @@ TextureFile::TextureFile(const QByteArray& bytes)
 quint32 TextureFile::pixel(int x, int y) const {
     return u32(dds, 128 + (qsizetype(y) * u32(dds, 16) + x) * 4);
 }
+
+QImage FilledImage(int width, int height, QRgb left, QRgb right) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(right);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width / 2; ++x)
+            image.setPixel(x, y, left);
+    return image;
+}

@@ -29,3 +29,10 @@ struct TextureFile {
     // A pixel of the uncompressed DDS image, rows from the top, as 0xAARRGGBB.
     quint32 pixel(int x, int y) const;
 };
+
+// A picture of one colour, or of `left` on its left half and `right` on the
+// rest.
+QImage FilledImage(int width, int height, QRgb left, QRgb right);
+inline QImage FilledImage(int width, int height, QRgb colour) {
+    return FilledImage(width, height, colour, colour);
+}

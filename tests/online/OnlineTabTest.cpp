@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
 
 namespace {
 
@@ -59,6 +58,14 @@ protected:
         return form->findChild<T*>(QString::fromLatin1(name) + u'_' + QString::number(n));
     }
     bool chooserShown() { return !control<QGroupBox>("webTexFrame")->isHidden(); }
+    // The slot's stored name, width, height, folder and file.
+    static QStringList slotValues(int n) {
+        QStringList values;
+        for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
+                              OnlineValue::Path, OnlineValue::File})
+            values << value(OnlineValueName(v, n));
+        return values;
+    }
     QString caption() { return control<QPushButton>("webDownload")->text(); }
     // The slot's texture chosen and its address typed, as the player does.
     void bindSlot(int n, const QString& address) {
@@ -82,87 +89,68 @@ protected:
     double now = 1000.0;
 };
 
-TEST_F(OnlineTabTest, PickThisTextureStoresTheChoiceInOrder) {
-    row<QLineEdit>("webURL", 3)->setText(QStringLiteral("http://keep/me.png"));
+// The chooser's three ways out: pick (stores the texture, never the
+// address), keep current (stores nothing), clear (forgets the texture).
+TEST_F(OnlineTabTest, TheChooserPicksKeepsOrClearsTheSlotsTexture) {
+    row<QLineEdit>("webURL", 3)->setText("http://keep/me.png");
     row<QPushButton>("webPick", 3)->click();
     EXPECT_TRUE(chooserShown());
-    auto* categories = control<QComboBox>("webCategory");
-    auto* textures = control<QComboBox>("webTexture");
-    EXPECT_EQ(textures->currentText(), QStringLiteral("Sign (128x64)"));
-    categories->setCurrentIndex(1); // rebuilds the texture list
-    textures->setCurrentIndex(1);
-    control<QPushButton>("webPickTexture")->click();
-
+    control<QComboBox>("webCategory")->setCurrentIndex(1); // rebuilds the texture list
+    control<QComboBox>("webTexture")->setCurrentIndex(1);
+    click("webPickTexture");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("Dawn (1024x512)"));
-    const QString stored = QString::fromUtf8(readFile(storeFile()));
-    const QRegularExpression order(
-        QStringLiteral("webName3\"=\"Dawn \\(1024x512\\).*webWidth3\"=\"1024.*webHeight3\"=\"512.*"
-                       "webPath3\"=\"texture_library/Sky.*webFile3\"=\"dawn"),
-        QRegularExpression::DotMatchesEverythingOption);
-    EXPECT_TRUE(order.match(stored).hasMatch()) << stored.toStdString();
-    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), QStringLiteral("http://keep/me.png"));
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), "Dawn (1024x512)");
+    const QStringList picked = {"Dawn (1024x512)", "1024", "512", "texture_library/Sky", "dawn"};
+    EXPECT_EQ(slotValues(3), picked);
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://keep/me.png");
 
-    // With no texture in the list, the button only closes the chooser.
     row<QPushButton>("webPick", 3)->click();
-    categories->setCurrentIndex(2);
-    control<QPushButton>("webPickTexture")->click();
+    control<QComboBox>("webCategory")->setCurrentIndex(2); // no texture: nothing to store
+    click("webPickTexture");
+    row<QPushButton>("webPick", 3)->click();
+    control<QComboBox>("webCategory")->setCurrentIndex(0);
+    click("webCancel");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(value(QStringLiteral("webName3")), QStringLiteral("Dawn (1024x512)"));
-}
+    EXPECT_EQ(slotValues(3), picked);
 
-TEST_F(OnlineTabTest, KeepCurrentStoresNothingAndClearKeepsTheAddress) {
-    bindSlot(2, QStringLiteral("http://a/b.png"));
-    const QByteArray before = readFile(storeFile());
-    row<QPushButton>("webPick", 2)->click();
-    control<QComboBox>("webCategory")->setCurrentIndex(1);
-    control<QPushButton>("webCancel")->click();
+    row<QPushButton>("webPick", 3)->click();
+    click("webClear");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(readFile(storeFile()), before);
-
-    row<QPushButton>("webPick", 2)->click();
-    control<QPushButton>("webClear")->click();
-    EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(row<QLineEdit>("webFile", 2)->text(), QString());
-    EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QStringLiteral("http://a/b.png"));
-    for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
-                          OnlineValue::Path, OnlineValue::File})
-        EXPECT_EQ(value(OnlineValueName(v, 2)), QString());
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QString());
+    EXPECT_EQ(slotValues(3), QStringList(5, QString()));
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://keep/me.png");
 }
 
 // Slot 0 has no texture and slot 4 no address: skipped, unmarked. Slot 2's
-// address is refused: red until the player types.
-TEST_F(OnlineTabTest, ARefusedAddressTurnsRedUntilTyping) {
-    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://127.0.0.1/a.png"));
-    row<QLineEdit>("webFile", 4)->setText(QStringLiteral("Sign"));
-    bindSlot(2, QStringLiteral("https://example.invalid/picture.png"));
-    control<QPushButton>("webDownload")->click();
+// address is refused: red until the player types. Slot 1 downloads.
+TEST_F(OnlineTabTest, TheButtonStartsAbortsOrEndsWithTheDownloadsAndMarksRefusedAddresses) {
+    auto red = [this](int n) {
+        return isRed(row<QLineEdit>("webURL", n)) || isRed(row<QLabel>("webLabel", n));
+    };
+    row<QLineEdit>("webURL", 0)->setText("http://127.0.0.1/a.png");
+    row<QLineEdit>("webFile", 4)->setText("Sign");
+    bindSlot(2, "https://example.invalid/picture.png");
+    click("webDownload"); // nothing to download: the caption stays
     EXPECT_EQ(caption(), kDownload);
-    EXPECT_FALSE(form->Downloads().AnyActive());
-    for (int n : {0, 4})
-        EXPECT_FALSE(isRed(row<QLineEdit>("webURL", n)) || isRed(row<QLabel>("webLabel", n)));
-    EXPECT_TRUE(isRed(row<QLineEdit>("webURL", 2)) && isRed(row<QLabel>("webLabel", 2)));
-    row<QLineEdit>("webURL", 2)->setText(QStringLiteral("http://example.invalid/picture.png"));
-    EXPECT_FALSE(isRed(row<QLineEdit>("webURL", 2)) || isRed(row<QLabel>("webLabel", 2)));
-}
-
-TEST_F(OnlineTabTest, TheButtonAbortsOrEndsWithTheDownloads) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    auto* button = control<QPushButton>("webDownload");
-    button->click();
-    EXPECT_EQ(caption(), QStringLiteral("Abort Downloads"));
+    EXPECT_FALSE(red(0) || red(4));
+    EXPECT_TRUE(red(2));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    click("webDownload");
+    EXPECT_EQ(caption(), "Abort Downloads");
     EXPECT_FALSE(row<QWidget>("webURL", 1)->isEnabled());
     ASSERT_NE(server.waitForRequest(0), nullptr);
-    button->click();
+    click("webDownload");
     EXPECT_EQ(caption(), kDownload);
     EXPECT_FALSE(form->Downloads().AnyActive());
     EXPECT_TRUE(row<QWidget>("webURL", 1)->isEnabled());
+    row<QLineEdit>("webURL", 2)->setText("");
+    EXPECT_FALSE(red(2));
 
-    button->click();
+    click("webDownload");
     ASSERT_TRUE(
         server.answer(1, "png", "picture", [&] { return form->Downloads().Slot(1).HeaderDone; }));
     ASSERT_TRUE(WaitUntil([&] { return !written.isEmpty(); }));
-    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign picture")});
+    EXPECT_EQ(written, QStringList{"kelvaris.tmp1.png sign picture"});
     EXPECT_EQ(caption(), kDownload);
     EXPECT_TRUE(row<QWidget>("webPick", 1)->isEnabled());
 }
