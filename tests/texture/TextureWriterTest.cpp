@@ -1,8 +1,8 @@
 #include "texture/TextureWriter.h"
 
+#include "app/BusyHost.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
-#include "common/RecordingBusy.h"
 #include "common/TestEnvironment.h"
 #include "common/TestPictures.h"
 #include "image/LoadImage.h"
@@ -70,7 +70,7 @@ protected:
     cDIBSection dib;
     TextureContext context;
     FakeUi ui;
-    RecordingBusy busy;
+    HeadlessBusy busy;
 };
 
 // The texture already there, in another letter case, is replaced in place.
@@ -291,7 +291,7 @@ TEST_F(TextureWriterTest, AMissingCompressorWritesNoTexture) {
     EXPECT_EQ(ui.messageTexts(), QStringList{kNvError});
     EXPECT_EQ(ui.messages.value(0).icon, MsgIcon::Critical);
     EXPECT_FALSE(QFileInfo::exists(loginFile()));
-    EXPECT_FALSE(busy.busy);
+    EXPECT_FALSE(busy.IsBusy());
 }
 
 TEST_F(TextureWriterTest, ACompressorThatNeverEndsTimesOut) {
