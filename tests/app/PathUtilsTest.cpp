@@ -8,17 +8,16 @@
 namespace {
 
 TEST(ReturnPath, GivesTheFolderWithoutTrailingSlash) {
-    EXPECT_EQ(ReturnPath(QStringLiteral("/home/p/CoH/cityofheroes.exe")),
-              QStringLiteral("/home/p/CoH"));
-    EXPECT_EQ(ReturnPath(QStringLiteral("games/coh/x.exe")), QStringLiteral("games/coh"));
-    EXPECT_EQ(ReturnPath(QStringLiteral("cityofheroes.exe")), QString());
+    EXPECT_EQ(ReturnPath("/home/p/CoH/cityofheroes.exe"), "/home/p/CoH");
+    EXPECT_EQ(ReturnPath("games/coh/x.exe"), "games/coh");
+    EXPECT_EQ(ReturnPath("cityofheroes.exe"), QString());
     // A file in the root never makes the root a game folder.
-    EXPECT_EQ(ReturnPath(QStringLiteral("/cityofheroes.exe")), QString());
+    EXPECT_EQ(ReturnPath("/cityofheroes.exe"), QString());
     EXPECT_EQ(ReturnPath(QString()), QString());
 }
 
 TEST(IsContainedRelative, RefusesNamesThatLeaveTheirFolder) {
-    EXPECT_TRUE(IsContainedRelative(QStringLiteral("texture_library/GUI/Icons")));
+    EXPECT_TRUE(IsContainedRelative("texture_library/GUI/Icons"));
     for (const char* bad :
          {"", "/etc", "\\\\server\\x", "C:\\x", "a/../../b", "..", "a/./b", "a\\..\\b"})
         EXPECT_FALSE(IsContainedRelative(QString::fromLatin1(bad))) << bad;
