@@ -35,23 +35,22 @@ protected:
         sndSave()->click();
     }
     QString ogg(const char* relative) const {
-        return game + QStringLiteral("/data/sound/Ogg/") + QLatin1String(relative);
+        return game + "/data/sound/Ogg/" + QLatin1String(relative);
     }
 
     MusicTab* tab = nullptr;
 };
 
 TEST_F(MusicTabTest, BrowseTakesADecodableFileAndRemembersItsFolder) {
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("LastSoundDir"), QStringLiteral("/music"));
+    modRegistry::SetValue(kSettingsKey, "LastSoundDir", "/music");
     browse(QString()); // cancelled: the folder is kept
     browse(Sound("tone.mp3"));
-    EXPECT_EQ(ui.openRequests.last().startFolder, QStringLiteral("/music"));
+    EXPECT_EQ(ui.openRequests.last().startFolder, "/music");
     EXPECT_EQ(sndFile()->text(), Sound("tone.mp3"));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastSoundDir")),
-              ReturnPath(Sound("tone.mp3")));
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastSoundDir"), ReturnPath(Sound("tone.mp3")));
     browse(Sound("text.wav"));
     ASSERT_EQ(ui.messages.size(), 1);
-    EXPECT_TRUE(ui.messages[0].text.startsWith(QStringLiteral("No suitable decoder")));
+    EXPECT_TRUE(ui.messages[0].text.startsWith("No suitable decoder"));
     EXPECT_EQ(sndFile()->text(), Sound("tone.mp3"));
     EXPECT_FALSE(sndSave()->isEnabled());
     box(BoomBoxName(3))->click();
@@ -59,7 +58,7 @@ TEST_F(MusicTabTest, BrowseTakesADecodableFileAndRemembersItsFolder) {
 }
 
 TEST_F(MusicTabTest, MissingEncoderLibrariesAreReportedAtEachBrowse) {
-    tab->SetEncoderLibraries({QStringLiteral("libkelvaris-missing.so"), QStringLiteral("x")});
+    tab->SetEncoderLibraries({"libkelvaris-missing.so", "x"});
     browse(Sound("tone.mp3"));
     browse(Sound("tone.mp3"));
     EXPECT_EQ(ui.messageTexts(), QStringList({"Unable to initialize OGG encoder.",
@@ -70,8 +69,8 @@ TEST_F(MusicTabTest, MissingEncoderLibrariesAreReportedAtEachBrowse) {
 TEST_F(MusicTabTest, SavingConvertsOnceAndGraysTheWrittenBoxes) {
     save(Sound("tone.mp3"), {"sndBoomBox_0", "sndHeroLogin"});
     EXPECT_TRUE(ui.messages.isEmpty()) << ui.messageTexts().join('|').toStdString();
-    const QByteArray written = readFile(WorkFolder() + QStringLiteral("/converted.ogg"));
-    EXPECT_TRUE(ReadOgg(WorkFolder() + QStringLiteral("/converted.ogg")).valid);
+    const QByteArray written = readFile(WorkFolder() + "/converted.ogg");
+    EXPECT_TRUE(ReadOgg(WorkFolder() + "/converted.ogg").valid);
     EXPECT_EQ(readFile(ogg("BoomBox/Track9_loop.ogg")), written); // Altitude
     EXPECT_EQ(readFile(ogg("FrontEnd/H_music1_loop.ogg")), written);
     EXPECT_EQ(box("sndHeroLogin")->checkState(), Qt::PartiallyChecked);

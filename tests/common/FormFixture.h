@@ -15,8 +15,7 @@
 // a fresh folder below the temporary one.
 class FormFixture : public TestEnvironment {
 protected:
-    explicit FormFixture(QString gameName = QStringLiteral("game"))
-        : gameName_(std::move(gameName)) {}
+    explicit FormFixture(QString gameName = "game") : gameName_(std::move(gameName)) {}
 
     void SetUp() override {
         TestEnvironment::SetUp();

@@ -23,7 +23,7 @@ const QByteArray kCatalogue = "3\r\n\"Signs\",1\r\n"
                               "\"Clouds\",512,256,\"texture_library/Sky\",\"clouds\"\r\n"
                               "\"Dawn\",1024,512,\"texture_library/Sky\",\"dawn\"\r\n"
                               "\"Nothing\",0\r\n";
-const QString kDownload = QStringLiteral("Download and Apply now");
+const QString kDownload = "Download and Apply now";
 
 QString value(const QString& name) {
     return modRegistry::QueryValue(kSettingsKey, name);
@@ -42,7 +42,7 @@ class OnlineTabTest : public FormFixture {
 protected:
     void SetUp() override {
         FormFixture::SetUp();
-        writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), kCatalogue);
+        writeFile("config/kelvaris/kelvaris.csv", kCatalogue);
         wire();
     }
     void wire() {
@@ -69,17 +69,15 @@ protected:
     QString caption() { return control<QPushButton>("webDownload")->text(); }
     // The slot's texture chosen and its address typed, as the player does.
     void bindSlot(int n, const QString& address) {
-        row<QLineEdit>("webFile", n)->setText(QStringLiteral("Sign (128x64)"));
+        row<QLineEdit>("webFile", n)->setText("Sign (128x64)");
         row<QLineEdit>("webURL", n)->setText(address);
         store(OnlineValueName(OnlineValue::Link, n), address);
-        StorePickedTexture(n,
-                           {QStringLiteral("Sign (128x64)"), 128, 64,
-                            QStringLiteral("texture_library/GUI/Signs"), QStringLiteral("sign")});
+        StorePickedTexture(n, {"Sign (128x64)", 128, 64, "texture_library/GUI/Signs", "sign"});
     }
     // A randomizer run whose stored date of the last refresh is `lastUpdate`.
     void runRandomizer(const QString& lastUpdate) {
-        store(QStringLiteral("LastOnlineUpdate"), lastUpdate);
-        form = std::make_unique<Form1>(ui, QStringList{QStringLiteral("-randomizer")});
+        store("LastOnlineUpdate", lastUpdate);
+        form = std::make_unique<Form1>(ui, QStringList{"-randomizer"});
         wire();
         form->Form_Load();
     }
@@ -156,53 +154,52 @@ TEST_F(OnlineTabTest, TheButtonStartsAbortsOrEndsWithTheDownloadsAndMarksRefused
 }
 
 TEST_F(OnlineTabTest, ExportTakesTheTypedAddressesAndAnImportSurvivesTheClose) {
-    store(QStringLiteral("webLink1"), QStringLiteral("http://old/1.png"));
-    store(QStringLiteral("webLink2"), QStringLiteral("http://old/2.png"));
+    store("webLink1", "http://old/1.png");
+    store("webLink2", "http://old/2.png");
     form->Form_Load();
-    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
-    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://typed/0.png"));
-    ui.saveAnswers.push_back(root() + QStringLiteral("/saved.reg"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), "http://old/1.png");
+    row<QLineEdit>("webURL", 0)->setText("http://typed/0.png");
+    ui.saveAnswers.push_back(root() + "/saved.reg");
     control<QPushButton>("webRegFile")->click(); // the addresses as typed, not as stored
-    EXPECT_EQ(ui.saveRequests.value(0).proposedName, QStringLiteral("Kelvaris Textures.reg"));
-    EXPECT_TRUE(readFile(root() + QStringLiteral("/saved.reg"))
+    EXPECT_EQ(ui.saveRequests.value(0).proposedName, "Kelvaris Textures.reg");
+    EXPECT_TRUE(readFile(root() + "/saved.reg")
                     .contains("\"webLink0\"=\"http://typed/0.png\"\r\n\"webName1"));
-    ui.openAnswers.push_back(writeFile(QStringLiteral("given.reg"),
+    ui.openAnswers.push_back(writeFile("given.reg",
                                        "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"
                                        "\"webName3\"=\"New 3\"\r\n\"webLink0\"=\"http://new/0.png\""
                                        "\r\n\"webLink2\"=\"\"\r\n"));
     control<QPushButton>("webImport")->click();
-    EXPECT_EQ(ui.messageTexts(),
-              QStringList{QStringLiteral("3 online texture setting(s) were imported.")});
-    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("New 3"));
-    EXPECT_EQ(row<QLineEdit>("webURL", 0)->text(), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
+    EXPECT_EQ(ui.messageTexts(), QStringList{"3 online texture setting(s) were imported."});
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), "New 3");
+    EXPECT_EQ(row<QLineEdit>("webURL", 0)->text(), "http://new/0.png");
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), "http://old/1.png");
     EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QString());
 
     form->Unload();
     ASSERT_TRUE(form->IsUnloaded());
-    EXPECT_EQ(value(QStringLiteral("webLink0")), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(value(QStringLiteral("webLink2")), QString());
+    EXPECT_EQ(value("webLink0"), "http://new/0.png");
+    EXPECT_EQ(value("webLink2"), QString());
 }
 
 TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    runRandomizer(QStringLiteral("a day long gone"));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    runRandomizer("a day long gone");
     ASSERT_FALSE(form->IsUnloaded()); // waiting for the download
     now = 1010.0;
     ASSERT_TRUE(server.answer(0, "png", "png", [&] { return form->LastDataTime() == 1010.0; }));
     ASSERT_TRUE(WaitUntil([&] { return form->IsUnloaded(); }));
-    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign png")});
-    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), ShortDateText(QDate::currentDate()));
+    EXPECT_EQ(written, QStringList{"kelvaris.tmp1.png sign png"});
+    EXPECT_EQ(value("LastOnlineUpdate"), ShortDateText(QDate::currentDate()));
 
-    runRandomizer(value(QStringLiteral("LastOnlineUpdate"))); // a second run the same day
+    runRandomizer(value("LastOnlineUpdate")); // a second run the same day
     EXPECT_TRUE(form->IsUnloaded());
     WaitUntil([] { return false; }, 100); // time for a connection that must not come
     EXPECT_EQ(server.connectionCount(), 1);
 }
 
 TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    runRandomizer(QStringLiteral("a day long gone"));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    runRandomizer("a day long gone");
     QTcpSocket* connection = server.waitForRequest();
     ASSERT_NE(connection, nullptr);
     now = 1020.0;
@@ -216,7 +213,7 @@ TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
     EXPECT_TRUE(form->IsUnloaded());
     EXPECT_FALSE(form->Downloads().AnyActive());
     EXPECT_TRUE(written.isEmpty());
-    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), QStringLiteral("a day long gone"));
+    EXPECT_EQ(value("LastOnlineUpdate"), "a day long gone");
 }
 
 } // namespace
