@@ -76,40 +76,36 @@ TEST(CommandLineText, SplitGivesBackWhatJoinWasGiven) {
             << JoinCommandLine(arguments).toStdString();
     // Plain arguments are written as they were.
     EXPECT_EQ(JoinCommandLine({"-randomizer", "C:\\CoH", "two words"}),
-              QStringLiteral("-randomizer C:\\CoH \"two words\""));
+              "-randomizer C:\\CoH \"two words\"");
 }
 
 TEST(ShellWords, ReachAShellExactly) {
-    const QString sh = QStandardPaths::findExecutable(QStringLiteral("sh"));
+    const QString sh = QStandardPaths::findExecutable("sh");
     if (sh.isEmpty())
         GTEST_SKIP() << "no sh on PATH";
     // The shell prints each word it was given on a line of its own.
     QProcess shell;
-    shell.start(sh,
-                {QStringLiteral("-c"), QStringLiteral("for a in ") + ShellQuoted(kTrickyArguments) +
-                                           QStringLiteral("; do printf '[%s]\\n' \"$a\"; done")});
+    shell.start(sh, {"-c", "for a in " + ShellQuoted(kTrickyArguments) +
+                               "; do printf '[%s]\\n' \"$a\"; done"});
     ASSERT_TRUE(shell.waitForFinished());
     QStringList printed;
     for (const QString& line : QString::fromUtf8(shell.readAllStandardOutput()).split(u'\n'))
         if (!line.isEmpty())
             printed << line.mid(1, line.size() - 2);
     EXPECT_EQ(printed, kTrickyArguments);
-    EXPECT_EQ(ShellQuoted({"-x", "1", "C:/a.exe"}), QStringLiteral("-x 1 C:/a.exe"));
+    EXPECT_EQ(ShellQuoted({"-x", "1", "C:/a.exe"}), "-x 1 C:/a.exe");
 }
 
 TEST(DesktopExec, QuotesReservedCharactersAndEscapesTheString) {
     EXPECT_EQ(DesktopExecValue({"/usr/bin/kelvaris", "-randomizer", "-x"}),
-              QStringLiteral("/usr/bin/kelvaris -randomizer -x"));
-    EXPECT_EQ(DesktopExecValue({"/opt/my games/kelvaris", ""}),
-              QStringLiteral("\"/opt/my games/kelvaris\" \"\""));
+              "/usr/bin/kelvaris -randomizer -x");
+    EXPECT_EQ(DesktopExecValue({"/opt/my games/kelvaris", ""}), "\"/opt/my games/kelvaris\" \"\"");
     // '"', '`', '$' and '\' are escaped inside the quotes; the file's own
     // escaping then doubles every backslash.
-    EXPECT_EQ(
-        DesktopExecValue({"k", "say \"hi\"", "$HOME", "a\\b", "`x`"}),
-        QStringLiteral("k \"say \\\\\"hi\\\\\"\" \"\\\\$HOME\" \"a\\\\\\\\b\" \"\\\\`x\\\\`\""));
-    EXPECT_EQ(DesktopExecValue({"k", "100%", "it's", "a\nb"}),
-              QStringLiteral("k 100%% \"it's\" \"a\\nb\""));
-    EXPECT_EQ(DesktopExecValue({"k", QStringLiteral("a\rb")}), std::nullopt);
+    EXPECT_EQ(DesktopExecValue({"k", "say \"hi\"", "$HOME", "a\\b", "`x`"}),
+              "k \"say \\\\\"hi\\\\\"\" \"\\\\$HOME\" \"a\\\\\\\\b\" \"\\\\`x\\\\`\"");
+    EXPECT_EQ(DesktopExecValue({"k", "100%", "it's", "a\nb"}), "k 100%% \"it's\" \"a\\nb\"");
+    EXPECT_EQ(DesktopExecValue({"k", "a\rb"}), std::nullopt);
     EXPECT_EQ(DesktopExecValue({"k", QString(QChar(0))}), std::nullopt);
 }
 

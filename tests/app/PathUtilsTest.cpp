@@ -8,17 +8,16 @@
 namespace {
 
 TEST(ReturnPath, GivesTheFolderWithoutTrailingSlash) {
-    EXPECT_EQ(ReturnPath(QStringLiteral("/home/p/CoH/cityofheroes.exe")),
-              QStringLiteral("/home/p/CoH"));
-    EXPECT_EQ(ReturnPath(QStringLiteral("games/coh/x.exe")), QStringLiteral("games/coh"));
-    EXPECT_EQ(ReturnPath(QStringLiteral("cityofheroes.exe")), QString());
+    EXPECT_EQ(ReturnPath("/home/p/CoH/cityofheroes.exe"), "/home/p/CoH");
+    EXPECT_EQ(ReturnPath("games/coh/x.exe"), "games/coh");
+    EXPECT_EQ(ReturnPath("cityofheroes.exe"), QString());
     // A file in the root never makes the root a game folder.
-    EXPECT_EQ(ReturnPath(QStringLiteral("/cityofheroes.exe")), QString());
+    EXPECT_EQ(ReturnPath("/cityofheroes.exe"), QString());
     EXPECT_EQ(ReturnPath(QString()), QString());
 }
 
 TEST(IsContainedRelative, RefusesNamesThatLeaveTheirFolder) {
-    EXPECT_TRUE(IsContainedRelative(QStringLiteral("texture_library/GUI/Icons")));
+    EXPECT_TRUE(IsContainedRelative("texture_library/GUI/Icons"));
     for (const char* bad :
          {"", "/etc", "\\\\server\\x", "C:\\x", "a/../../b", "..", "a/./b", "a\\..\\b"})
         EXPECT_FALSE(IsContainedRelative(QString::fromLatin1(bad))) << bad;
@@ -26,29 +25,18 @@ TEST(IsContainedRelative, RefusesNamesThatLeaveTheirFolder) {
 
 class MakePathTest : public TestEnvironment {};
 
-TEST_F(MakePathTest, CreatesEveryMissingFolderOnce) {
-    const QString target = root() + QStringLiteral("/game/data/sound/Ogg/BoomBox/");
-    MakePath(target);
-    EXPECT_TRUE(QFileInfo(target).isDir());
-    MakePath(target); // already there: nothing happens
-    EXPECT_TRUE(QFileInfo(target).isDir());
-}
-
-TEST_F(MakePathTest, ReusesFoldersThatDifferOnlyInLetterCase) {
-    QDir().mkpath(root() + QStringLiteral("/game/Data/Texture_Library"));
-    MakePath(root() + QStringLiteral("/game/data/texture_library/GUI/CREATION"));
-    EXPECT_TRUE(
-        QFileInfo(root() + QStringLiteral("/game/Data/Texture_Library/GUI/CREATION")).isDir());
-    EXPECT_FALSE(QFileInfo::exists(root() + QStringLiteral("/game/data")));
-    EXPECT_EQ(
-        ResolveExistingCase(root() + QStringLiteral("/game/DATA/texture_library/GUI/x.texture")),
-        root() + QStringLiteral("/game/Data/Texture_Library/GUI/x.texture"));
-}
-
-TEST_F(MakePathTest, ErrorsAreNotReported) {
-    writeFile(QStringLiteral("file"), "x");
-    MakePath(root() + QStringLiteral("/file/below/a/file")); // cannot be made; no crash
-    EXPECT_FALSE(QFileInfo::exists(root() + QStringLiteral("/file/below")));
+TEST_F(MakePathTest, MakesWhatIsMissingReusingFoldersInAnotherLetterCase) {
+    QDir().mkpath(root() + "/game/Data/Texture_Library");
+    MakePath(root() + "/game/data/texture_library/GUI/CREATION/");
+    MakePath(root() + "/game/data/texture_library/GUI/CREATION/"); // already there
+    EXPECT_TRUE(QFileInfo(root() + "/game/Data/Texture_Library/GUI/CREATION").isDir());
+    EXPECT_FALSE(QFileInfo::exists(root() + "/game/data"));
+    EXPECT_EQ(ResolveExistingCase(root() + "/game/DATA/texture_library/GUI/x.texture"),
+              root() + "/game/Data/Texture_Library/GUI/x.texture");
+    // What cannot be made is not reported.
+    writeFile("file", "x");
+    MakePath(root() + "/file/below/a/file");
+    EXPECT_FALSE(QFileInfo::exists(root() + "/file/below"));
 }
 
 } // namespace

@@ -15,59 +15,39 @@ namespace {
 class RegistryTest : public TestEnvironment {
 protected:
     QStringList asideFiles() const {
-        return QDir(configHome() + QStringLiteral("/kelvaris"))
-            .entryList({QStringLiteral("registry.reg.unreadable-*")}, QDir::Files);
+        return QDir(configHome() + "/kelvaris")
+            .entryList({"registry.reg.unreadable-*"}, QDir::Files);
     }
 };
 
-TEST_F(RegistryTest, FirstNonBlankValueCreatesTheStoreAndBlankCreatesNothing) {
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("   ")));
+TEST_F(RegistryTest, BlankDeletesAndOtherTextRoundTripsUntrimmedUnderAnyLetterCase) {
+    // Nothing to store: no store is made, and deleting what is not there says so.
+    EXPECT_FALSE(SetValue(kSettingsKey, "CohPath", "   "));
     EXPECT_FALSE(QFile::exists(storeFile()));
+    EXPECT_EQ(CreateKey(kSettingsKey), 1); // new
+    EXPECT_EQ(CreateKey(kSettingsKey), 2); // existing
 
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh")));
-    EXPECT_TRUE(QFile::exists(storeFile()));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    const QString awkward = " C:\\Games\\\"CoH\" ; [x] = é ";
+    EXPECT_TRUE(SetValue(kSettingsKey, "FrameHL", awkward));
     EXPECT_TRUE(readFile(storeFile()).startsWith("REGEDIT4\r\n"));
+    EXPECT_EQ(QueryValue("software\\cohkelvaris", "framehl"), awkward);
+    SetValue(kSettingsKey, "FRAMEHL", "b");
+    EXPECT_EQ(QueryValue(kSettingsKey, "FrameHL"), "b");
+
+    EXPECT_TRUE(SetValue(kSettingsKey, "FrameHL", "   "));
+    EXPECT_EQ(QueryValue(kSettingsKey, "FrameHL"), QString());
+    EXPECT_FALSE(readFile(storeFile()).toLower().contains("framehl"));
+    EXPECT_FALSE(SetValue(kSettingsKey, "FrameHL", QString()));
 }
 
-TEST_F(RegistryTest, BlankDeletesAndOtherTextIsStoredUntrimmed) {
-    SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral(" a "));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QStringLiteral(" a "));
-
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("A"), QStringLiteral("   ")));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("A")), QString());
-    EXPECT_FALSE(readFile(storeFile()).contains("\"A\""));
-    // Deleting what is not there changes nothing and says so.
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("A"), QString()));
-}
-
-TEST_F(RegistryTest, NamesIgnoreLetterCaseAndAwkwardTextRoundTrips) {
-    const QString awkward = QStringLiteral("C:\\Games\\\"CoH\" ; [x] = é");
-    SetValue(kSettingsKey, QStringLiteral("FrameHL"), awkward);
-    EXPECT_EQ(QueryValue(QStringLiteral("software\\cohkelvaris"), QStringLiteral("framehl")),
-              awkward);
-    SetValue(kSettingsKey, QStringLiteral("FRAMEHL"), QStringLiteral("b"));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("FrameHL")), QStringLiteral("b"));
-}
-
-TEST_F(RegistryTest, ValuesLongerThan1023CharactersReadAsEmpty) {
-    SetValue(kSettingsKey, QStringLiteral("Ok"), QString(1023, u'x'));
-    SetValue(kSettingsKey, QStringLiteral("TooLong"), QString(1024, u'x'));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Ok")).size(), 1023);
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("TooLong")), QString());
-}
-
-TEST_F(RegistryTest, TenMegabyteValueKeepsTheRestOfTheStore) {
-    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/g"));
-    SetValue(kSettingsKey, QStringLiteral("Huge"), QString(10 * 1024 * 1024, u'y'));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Huge")), QString());
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/g"));
+TEST_F(RegistryTest, ValuesLongerThan1023CharactersReadAsEmptyAndCostNothingElse) {
+    SetValue(kSettingsKey, "Ok", QString(1023, u'x'));
+    SetValue(kSettingsKey, "TooLong", QString(1024, u'x'));
+    SetValue(kSettingsKey, "Huge", QString(10 * 1024 * 1024, u'y'));
+    EXPECT_EQ(QueryValue(kSettingsKey, "Ok").size(), 1023);
+    EXPECT_EQ(QueryValue(kSettingsKey, "TooLong"), QString());
+    EXPECT_EQ(QueryValue(kSettingsKey, "Huge"), QString());
     EXPECT_TRUE(asideFiles().isEmpty());
-}
-
-TEST_F(RegistryTest, CreateKeyTellsNewFromExisting) {
-    EXPECT_EQ(CreateKey(kSettingsKey), 1);
-    EXPECT_EQ(CreateKey(kSettingsKey), 2);
 }
 
 TEST_F(RegistryTest, OnlyAFileThatIsNoStoreAtAllIsKeptAside) {
@@ -75,18 +55,18 @@ TEST_F(RegistryTest, OnlyAFileThatIsNoStoreAtAllIsKeptAside) {
                                   QByteArray("\x89PNG\r\n\x1a\n\0\0\0binary", 16)};
     int expectedAside = 0;
     for (const QByteArray& bytes : garbage) {
-        writeFile(QStringLiteral("config/kelvaris/registry.reg"), bytes);
-        EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QString());
+        writeFile("config/kelvaris/registry.reg", bytes);
+        EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), QString());
         ASSERT_EQ(asideFiles().size(), ++expectedAside) << bytes.constData();
         // The tool goes on with defaults and may write a fresh store.
-        EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/new")));
-        EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/new"));
+        EXPECT_TRUE(SetValue(kSettingsKey, "CohPath", "/new"));
+        EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), "/new");
         QFile::remove(storeFile());
     }
     // Every unreadable store survives byte for byte beside the new one.
     QList<QByteArray> kept;
     for (const QString& name : asideFiles())
-        kept << readFile(configHome() + QStringLiteral("/kelvaris/") + name);
+        kept << readFile(configHome() + "/kelvaris/" + name);
     for (const QByteArray& bytes : garbage)
         EXPECT_TRUE(kept.contains(bytes));
 }
@@ -114,17 +94,17 @@ const char kMixedStore[] = "REGEDIT4\r\n"
 
 TEST_F(RegistryTest, ValuesItDoesNotExpectCostNothingAndAreKeptVerbatim) {
     const QByteArray mixed(kMixedStore, sizeof kMixedStore - 1);
-    writeFile(QStringLiteral("config/kelvaris/registry.reg"), mixed);
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
-    EXPECT_EQ(StartGameFolder(), QStringLiteral("/games/coh")); // the randomizer finds the game
-    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("Blob")), QString());
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Broken")), QString());
+    writeFile("config/kelvaris/registry.reg", mixed);
+    EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), "/games/coh");
+    EXPECT_EQ(StartGameFolder(), "/games/coh"); // the randomizer finds the game
+    const QString coh = "Software\\Cryptic\\Coh";
+    EXPECT_EQ(QueryValue(coh, "screenX"), "1920");
+    EXPECT_EQ(QueryValue(coh, "Blob"), QString());
+    EXPECT_EQ(QueryValue(kSettingsKey, "Broken"), QString());
 
     // A change rewrites the store: what Kelvaris does not read comes back
     // exactly as it stood, and nothing is set aside.
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("Frames"), QStringLiteral("1")));
+    EXPECT_TRUE(SetValue(kSettingsKey, "Frames", "1"));
     const QByteArray rewritten = readFile(storeFile());
     for (const char* line :
          {"; the player's note\r\n", "\"screenX\"=dword:00000780\r\n",
@@ -136,46 +116,44 @@ TEST_F(RegistryTest, ValuesItDoesNotExpectCostNothingAndAreKeptVerbatim) {
     // A binary value cut short loses its dangling backslashes once, and then
     // every rewrite gives the same file.
     EXPECT_TRUE(rewritten.contains("\"Cut\"=hex:0a,\r\n"));
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("Frames"), QStringLiteral("1")));
+    EXPECT_TRUE(SetValue(kSettingsKey, "Frames", "1"));
     EXPECT_EQ(readFile(storeFile()), rewritten);
     EXPECT_TRUE(asideFiles().isEmpty());
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("Frames")), QStringLiteral("1"));
+    EXPECT_EQ(QueryValue(coh, "screenX"), "1920");
+    EXPECT_EQ(QueryValue(kSettingsKey, "Frames"), "1");
     // Storing over a value of another type makes it a string.
-    EXPECT_TRUE(SetValue(coh, QStringLiteral("screenX"), QStringLiteral("1024")));
+    EXPECT_TRUE(SetValue(coh, "screenX", "1024"));
     EXPECT_TRUE(readFile(storeFile()).contains("\"screenX\"=\"1024\""));
 }
 
 TEST_F(RegistryTest, TextTheStoreCannotGiveBackIsRefusedAndNothingWritten) {
-    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh"));
+    SetValue(kSettingsKey, "CohPath", "/games/coh");
     const QByteArray before = readFile(storeFile());
-    const QString refused[] = {QStringLiteral("two\nlines"), QStringLiteral("carriage\rreturn"),
-                               QStringLiteral("nul") + QChar(0) + QStringLiteral("byte"),
-                               QStringLiteral("tab\there"), QStringLiteral("escape\x1b")};
+    const QString refused[] = {"two\nlines", "carriage\rreturn", "nul" + QChar(0) + "byte",
+                               "tab\there", "escape\x1b"};
     for (const QString& text : refused) {
-        EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), text));
-        EXPECT_FALSE(SetValue(kSettingsKey, text, QStringLiteral("x")));
-        EXPECT_EQ(CreateKey(QStringLiteral("Software\\") + text), 0);
+        EXPECT_FALSE(SetValue(kSettingsKey, "CohPath", text));
+        EXPECT_FALSE(SetValue(kSettingsKey, text, "x"));
+        EXPECT_EQ(CreateKey("Software\\" + text), 0);
     }
     EXPECT_EQ(readFile(storeFile()), before);
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
+    EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), "/games/coh");
 }
 
 TEST_F(RegistryTest, AFullDiskKeepsTheStoreAsItWasAndSaysSo) {
-    SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/games/coh"));
-    SetValue(kSettingsKey, QStringLiteral("webLink0"), QStringLiteral("http://a/b"));
+    SetValue(kSettingsKey, "CohPath", "/games/coh");
+    SetValue(kSettingsKey, "webLink0", "http://a/b");
     const QByteArray before = readFile(storeFile());
     FailWritesAfter(0);
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("webLink1"), QStringLiteral("http://c")));
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("   ")));
+    EXPECT_FALSE(SetValue(kSettingsKey, "webLink1", "http://c"));
+    EXPECT_FALSE(SetValue(kSettingsKey, "CohPath", "   "));
     EXPECT_EQ(readFile(storeFile()), before);
     FailWritesAfter(-1);
     // The next write keeps everything that was there.
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("webLink1"), QStringLiteral("http://c")));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/games/coh"));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("webLink0")), QStringLiteral("http://a/b"));
-    EXPECT_EQ(QDir(configHome() + QStringLiteral("/kelvaris")).entryList(QDir::Files),
-              QStringList{QStringLiteral("registry.reg")});
+    EXPECT_TRUE(SetValue(kSettingsKey, "webLink1", "http://c"));
+    EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), "/games/coh");
+    EXPECT_EQ(QueryValue(kSettingsKey, "webLink0"), "http://a/b");
+    EXPECT_EQ(QDir(configHome() + "/kelvaris").entryList(QDir::Files), QStringList{"registry.reg"});
 }
 
 TEST_F(RegistryTest, TwoWritersAtOnceLoseNothing) {
@@ -198,16 +176,16 @@ TEST_F(RegistryTest, TwoWritersAtOnceLoseNothing) {
 
 TEST_F(RegistryTest, ALockLeftByAKilledKelvarisIsTakenOver) {
     // The lock of a process that no longer runs.
-    writeFile(QStringLiteral("config/kelvaris/registry.reg.lock"), "2147483646\nkelvaris\n\n");
-    EXPECT_TRUE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/g")));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QStringLiteral("/g"));
+    writeFile("config/kelvaris/registry.reg.lock", "2147483646\nkelvaris\n\n");
+    EXPECT_TRUE(SetValue(kSettingsKey, "CohPath", "/g"));
+    EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), "/g");
 }
 
 TEST_F(RegistryTest, StoreThatCannotBeReadIsNeverReplaced) {
     // A folder where the file should be: it cannot be opened, even by root.
     QDir().mkpath(storeFile());
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("CohPath")), QString());
-    EXPECT_FALSE(SetValue(kSettingsKey, QStringLiteral("CohPath"), QStringLiteral("/x")));
+    EXPECT_EQ(QueryValue(kSettingsKey, "CohPath"), QString());
+    EXPECT_FALSE(SetValue(kSettingsKey, "CohPath", "/x"));
     EXPECT_EQ(CreateKey(kSettingsKey), 0);
     EXPECT_TRUE(QFileInfo(storeFile()).isDir());
 }
@@ -230,45 +208,43 @@ const char kUserReg[] = "WINE REGISTRY Version 2\n"
                         "\"screenY\"=dword:00000300\n";
 
 TEST_F(RegistryTest, GameKeysComeFromTheWinePrefixWithLinuxPaths) {
-    writeFile(QStringLiteral("wine/user.reg"), kUserReg);
-    QDir().mkpath(winePrefix() + QStringLiteral("/drive_c/GAMES/City of Heroes"));
-    QDir().mkpath(winePrefix() + QStringLiteral("/dosdevices"));
-    QDir().mkpath(root() + QStringLiteral("/elsewhere/Beta"));
-    QFile::link(QStringLiteral("../drive_c"), winePrefix() + QStringLiteral("/dosdevices/c:"));
-    QFile::link(root() + QStringLiteral("/elsewhere"),
-                winePrefix() + QStringLiteral("/dosdevices/d:"));
+    writeFile("wine/user.reg", kUserReg);
+    QDir().mkpath(winePrefix() + "/drive_c/GAMES/City of Heroes");
+    QDir().mkpath(winePrefix() + "/dosdevices");
+    QDir().mkpath(root() + "/elsewhere/Beta");
+    QFile::link("../drive_c", winePrefix() + "/dosdevices/c:");
+    QFile::link(root() + "/elsewhere", winePrefix() + "/dosdevices/d:");
 
-    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
+    const QString coh = "Software\\Cryptic\\Coh";
     // Letter case of the folders on disk wins, as Wine finds them regardless.
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("Installation Directory")),
-              winePrefix() + QStringLiteral("/drive_c/GAMES/City of Heroes"));
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1920"));
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenY")), QString());
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("Resolution")), QString());
+    EXPECT_EQ(QueryValue(coh, "Installation Directory"),
+              winePrefix() + "/drive_c/GAMES/City of Heroes");
+    EXPECT_EQ(QueryValue(coh, "screenX"), "1920");
+    EXPECT_EQ(QueryValue(coh, "screenY"), QString());
+    EXPECT_EQ(QueryValue(coh, "Resolution"), QString());
 
-    const QString beta = QStringLiteral("Software\\Cryptic\\CohBeta");
-    EXPECT_EQ(QueryValue(beta, QStringLiteral("Installation Directory")),
-              root() + QStringLiteral("/elsewhere/Beta"));
-    EXPECT_EQ(QueryValue(beta, QStringLiteral("screenY")), QStringLiteral("768"));
+    const QString beta = "Software\\Cryptic\\CohBeta";
+    EXPECT_EQ(QueryValue(beta, "Installation Directory"), root() + "/elsewhere/Beta");
+    EXPECT_EQ(QueryValue(beta, "screenY"), "768");
 
     // The store, where it has the value, comes first; Kelvaris's own key never
     // falls through to Wine.
-    SetValue(coh, QStringLiteral("screenX"), QStringLiteral("1024"));
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QStringLiteral("1024"));
-    EXPECT_EQ(QueryValue(kSettingsKey, QStringLiteral("screenX")), QString());
+    SetValue(coh, "screenX", "1024");
+    EXPECT_EQ(QueryValue(coh, "screenX"), "1024");
+    EXPECT_EQ(QueryValue(kSettingsKey, "screenX"), QString());
 }
 
 TEST_F(RegistryTest, TruncatedWineHiveNeverGivesHalfAPath) {
     const QByteArray whole(kUserReg);
-    const QString coh = QStringLiteral("Software\\Cryptic\\Coh");
-    const QString full = winePrefix() + QStringLiteral("/drive_c/Games/City of Heroes");
+    const QString coh = "Software\\Cryptic\\Coh";
+    const QString full = winePrefix() + "/drive_c/Games/City of Heroes";
     for (qsizetype cut = 0; cut <= whole.size(); ++cut) {
-        writeFile(QStringLiteral("wine/user.reg"), whole.left(cut));
-        const QString folder = QueryValue(coh, QStringLiteral("Installation Directory"));
+        writeFile("wine/user.reg", whole.left(cut));
+        const QString folder = QueryValue(coh, "Installation Directory");
         EXPECT_TRUE(folder.isEmpty() || folder == full) << cut << " " << folder.toStdString();
     }
-    writeFile(QStringLiteral("wine/user.reg"), QByteArray(4096, '\xff'));
-    EXPECT_EQ(QueryValue(coh, QStringLiteral("screenX")), QString());
+    writeFile("wine/user.reg", QByteArray(4096, '\xff'));
+    EXPECT_EQ(QueryValue(coh, "screenX"), QString());
 }
 
 } // namespace

@@ -14,13 +14,12 @@ class MusicWriterTest : public TestEnvironment {
 protected:
     void SetUp() override {
         TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/game");
+        game = root() + "/game";
         QDir().mkpath(game);
-        source = writeFile(QStringLiteral("song.ogg"), QByteArray(40000, 'x') + "end");
+        source = writeFile("song.ogg", QByteArray(40000, 'x') + "end");
     }
     QStringList written(const char* folder) const {
-        return QDir(game + QStringLiteral("/data/sound/Ogg/") + QLatin1String(folder))
-            .entryList(QDir::Files);
+        return QDir(game + "/data/sound/Ogg/" + QLatin1String(folder)).entryList(QDir::Files);
     }
 
     QString game;
@@ -28,58 +27,65 @@ protected:
     MusicBoxStates boxes;
 };
 
+// Every BoomBox box has a track of its own; the login folders are made only
+// when needed, the Pocket D folder always; folders in another letter case
+// are reused; a grayed box was written already.
 TEST_F(MusicWriterTest, WritesTheTickedBoxesInTheGamesLetterCaseAndSkipsGrayedOnes) {
-    boxes[QStringLiteral("sndVillainLogin")] = Qt::Checked;
-    boxes[BoomBoxName(0)] = Qt::PartiallyChecked;
+    QDir().mkpath(game + "/Data/Sound/OGG/boombox");
+    for (int i = 0; i < kBoomBoxCount; ++i)
+        boxes[BoomBoxName(i)] = Qt::Checked;
+    boxes["sndVillainLogin"] = Qt::Checked;
+    boxes["sndHeroLogin"] = Qt::PartiallyChecked;
     EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
-    EXPECT_EQ(written("V_FrontEnd"), QStringList({"V_Music1_loop.ogg", "V_Music2_loop.ogg"}));
-    EXPECT_TRUE(written("BoomBox").isEmpty());
-    EXPECT_EQ(boxes[QStringLiteral("sndVillainLogin")], Qt::PartiallyChecked);
-    EXPECT_EQ(boxes[BoomBoxName(0)], Qt::PartiallyChecked);
-}
-
-TEST_F(MusicWriterTest, ExistingFoldersInAnotherCaseAreReused) {
-    QDir().mkpath(game + QStringLiteral("/Data/Sound/OGG/boombox"));
-    boxes[BoomBoxName(3)] = Qt::Checked;
-    WriteMusicTargets(source, game, boxes);
-    EXPECT_TRUE(
-        QFileInfo::exists(game + QStringLiteral("/Data/Sound/OGG/boombox/Track1_loop.ogg")));
-    EXPECT_FALSE(QFileInfo::exists(game + QStringLiteral("/data")));
+    EXPECT_FALSE(QFileInfo::exists(game + "/data"));
+    const QString ogg = game + "/Data/Sound/OGG/";
+    QStringList tracks = QDir(ogg + "boombox").entryList(QDir::Files);
+    for (int track = 1; track <= kBoomBoxCount; ++track)
+        EXPECT_TRUE(tracks.removeOne(QStringLiteral("Track%1_loop.ogg").arg(track))) << track;
+    EXPECT_TRUE(tracks.isEmpty());
+    EXPECT_EQ(readFile(ogg + "boombox/Track1_loop.ogg"), readFile(source));
+    EXPECT_EQ(QDir(ogg).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase),
+              QStringList({"boombox", "Rave", "V_FrontEnd"}));
+    EXPECT_EQ(QDir(ogg + "V_FrontEnd").entryList(QDir::Files),
+              QStringList({"V_Music1_loop.ogg", "V_Music2_loop.ogg"}));
+    EXPECT_TRUE(QDir(ogg + "Rave").isEmpty());
+    EXPECT_EQ(boxes["sndVillainLogin"], Qt::PartiallyChecked);
+    EXPECT_EQ(boxes[BoomBoxName(24)], Qt::PartiallyChecked);
 }
 
 TEST_F(MusicWriterTest, NothingIsWrittenWithoutAGameFolder) {
-    boxes[QStringLiteral("sndHeroLogin")] = Qt::Checked;
-    for (const QString& folder : QStringList{QString(), root() + QStringLiteral("/no-game")}) {
+    boxes["sndHeroLogin"] = Qt::Checked;
+    for (const QString& folder : QStringList{QString(), root() + "/no-game"}) {
         EXPECT_FALSE(WriteMusicTargets(source, folder, boxes));
-        EXPECT_EQ(boxes[QStringLiteral("sndHeroLogin")], Qt::Checked);
+        EXPECT_EQ(boxes["sndHeroLogin"], Qt::Checked);
     }
-    EXPECT_FALSE(QFileInfo::exists(root() + QStringLiteral("/no-game")));
+    EXPECT_FALSE(QFileInfo::exists(root() + "/no-game"));
 }
 
 TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
-    const QString target = writeFile(QStringLiteral("copy.ogg"), QByteArray(100000, 'o'));
+    const QString target = writeFile("copy.ogg", QByteArray(100000, 'o'));
     EXPECT_TRUE(CopySoundFile(source, target));
-    EXPECT_FALSE(CopySoundFile(root() + QStringLiteral("/missing.ogg"), target));
+    EXPECT_FALSE(CopySoundFile(root() + "/missing.ogg", target));
     EXPECT_FALSE(CopySoundFile(root(), target)); // a folder is no source
     EXPECT_EQ(readFile(target), readFile(source));
-    EXPECT_FALSE(CopySoundFile(source, root() + QStringLiteral("/no/such/folder/x.ogg")));
+    EXPECT_FALSE(CopySoundFile(source, root() + "/no/such/folder/x.ogg"));
     // A FIFO is refused at once instead of waiting for a writer.
-    const QString fifo = root() + QStringLiteral("/fifo.ogg");
+    const QString fifo = root() + "/fifo.ogg";
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
     EXPECT_FALSE(CopySoundFile(fifo, target));
     EXPECT_EQ(readFile(target), readFile(source));
 }
 
 TEST_F(MusicWriterTest, AFullDiskKeepsTheGamesMusicAndTheBoxTicked) {
-    const QString music = writeFile(
-        QStringLiteral("game/data/sound/Ogg/H_FrontEnd/H_music1_loop.ogg"), "the game's own");
-    boxes[QStringLiteral("sndHeroLogin")] = Qt::Checked;
+    const QString music =
+        writeFile("game/data/sound/Ogg/H_FrontEnd/H_music1_loop.ogg", "the game's own");
+    boxes["sndHeroLogin"] = Qt::Checked;
     FailWritesAfter(1); // the second block of the copy finds the disk full
     EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
     EXPECT_EQ(readFile(music), QByteArray("the game's own"));
-    EXPECT_EQ(boxes[QStringLiteral("sndHeroLogin")], Qt::Checked);
+    EXPECT_EQ(boxes["sndHeroLogin"], Qt::Checked);
     EXPECT_EQ(QDir(QFileInfo(music).path()).entryList(QDir::Files),
-              QStringList{QStringLiteral("H_music1_loop.ogg")});
+              QStringList{"H_music1_loop.ogg"});
 }
 
 } // namespace

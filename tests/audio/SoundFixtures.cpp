@@ -10,12 +10,12 @@ OggReport ReadOgg(const QString& path) {
     OggReport report;
     QProcess ogginfo;
     ogginfo.setProcessChannelMode(QProcess::MergedChannels);
-    ogginfo.start(QStringLiteral("ogginfo"), {path});
+    ogginfo.start("ogginfo", {path});
     if (!ogginfo.waitForFinished(60000))
         return report;
     report.text = QString::fromUtf8(ogginfo.readAll());
-    report.valid = ogginfo.exitCode() == 0 && !report.text.contains(QStringLiteral("WARNING")) &&
-                   !report.text.contains(QStringLiteral("ERROR"));
+    report.valid = ogginfo.exitCode() == 0 && !report.text.contains("WARNING") &&
+                   !report.text.contains("ERROR");
     auto find = [&report](const char* pattern) {
         return QRegularExpression(QString::fromLatin1(pattern)).match(report.text);
     };
@@ -32,8 +32,7 @@ namespace {
 
 bool ffmpeg(const QStringList& arguments) {
     QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"),
-                 QStringList{"-nostdin", "-v", "error", "-y"} + arguments);
+    ffmpeg.start("ffmpeg", QStringList{"-nostdin", "-v", "error", "-y"} + arguments);
     return ffmpeg.waitForFinished(120000) && ffmpeg.exitStatus() == QProcess::NormalExit &&
            ffmpeg.exitCode() == 0;
 }

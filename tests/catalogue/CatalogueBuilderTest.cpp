@@ -11,36 +11,35 @@
 
 namespace {
 
-const QString kPowers = QStringLiteral("texture_library/GUI/Icons/Powers/");
+const QString kPowers = "texture_library/GUI/Icons/Powers/";
 
 class CatalogueBuilderTest : public TestEnvironment {
 protected:
-    QString game() const { return root() + QStringLiteral("/CoH"); }
+    QString game() const { return root() + "/CoH"; }
 
     void writeArchive(const QString& relative, const QList<TestArchiveEntry>& entries) const {
-        writeFile(QStringLiteral("CoH/") + relative, MakeTestArchive(entries));
+        writeFile("CoH/" + relative, MakeTestArchive(entries));
     }
 
     // Two archives in the usual "piggs" folder and one in an older place,
     // names in mixed letter case, one texture in two archives, one without
     // the "TX2" mark.
     void writeGame() const {
-        writeArchive(QStringLiteral("piggs/texture_gui.pigg"),
+        writeArchive("piggs/texture_gui.pigg",
                      {{kPowers + "Archery_Aim.texture", MakeTestTexture(32, 32), true},
                       {"Texture_Library/gui/icons/POWERS/blast.texture", MakeTestTexture(64, 64)},
                       {"texture_library/GUI/CREATION/HybridUI/LoginScreen/"
                        "COH_LogInScreen_Background.texture",
                        MakeTestTexture(1024, 1024, false), true},
                       {"texture_library/GUI/Icons/readme.txt", "text"}});
-        writeArchive(QStringLiteral("piggs/TEXTURE_LIBRARY.PIGG"),
+        writeArchive("piggs/TEXTURE_LIBRARY.PIGG",
                      {{"texture_library/gui/icons/powers/archery_aim.texture",
                        MakeTestTexture(16, 16), true},
                       {"texture_library/WORLD/Rock.texture", MakeTestTexture(8, 8), true},
                       {"texture_library/GUI/Aardvark.texture", MakeTestTexture(8, 4), true}});
-        writeArchive(
-            QStringLiteral("old/Extra.Pigg"),
-            {{"texture_library/GUI/Icons/Zebra/Stripe.texture", MakeTestTexture(128, 256), true}});
-        writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), "0\r\n");
+        writeArchive("old/Extra.Pigg", {{"texture_library/GUI/Icons/Zebra/Stripe.texture",
+                                         MakeTestTexture(128, 256), true}});
+        writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
     }
 
     QByteArray catalogue() const { return readFile(UserCatalogueFile()); }
@@ -48,14 +47,14 @@ protected:
 
 TEST_F(CatalogueBuilderTest, ListsEveryInterfaceTextureOnceInNameOrder) {
     writeGame();
-    writeFile(QStringLiteral("CoH/piggs/notes.txt"), "not an archive");
+    writeFile("CoH/piggs/notes.txt", "not an archive");
     HeadlessBusy host;
     long lastProgress = -1;
     host.onProgress = [&](long value) { lastProgress = value; };
     const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
     EXPECT_TRUE(result.written);
     // Five from the archives, and the shipped character-creation background.
-    EXPECT_EQ(result.message, QStringLiteral("6 textures in 5 categories"));
+    EXPECT_EQ(result.message, "6 textures in 5 categories");
     EXPECT_FALSE(host.IsBusy());
     EXPECT_EQ(lastProgress, 5);
 
@@ -85,20 +84,19 @@ TEST_F(CatalogueBuilderTest, ListsEveryInterfaceTextureOnceInNameOrder) {
 }
 
 TEST_F(CatalogueBuilderTest, WithoutArchivesOrInterfaceTexturesNothingChanges) {
-    writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), "0\r\n");
-    writeFile(QStringLiteral("CoH/piggs/readme.txt"), "no archives here");
+    writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
+    writeFile("CoH/piggs/readme.txt", "no archives here");
     HeadlessBusy host;
-    for (const QString& folder :
-         QStringList{game(), root() + QStringLiteral("/missing"), QString()}) {
+    for (const QString& folder : QStringList{game(), root() + "/missing", QString()}) {
         const CatalogueBuildResult result = BuildCatalogueFromGame(folder, host);
         EXPECT_FALSE(result.written);
         EXPECT_EQ(result.message, "No game archives were found in the game folder.");
     }
-    writeArchive(QStringLiteral("piggs/texture_world.pigg"),
+    writeArchive("piggs/texture_world.pigg",
                  {{"texture_library/WORLD/Rock.texture", MakeTestTexture(8, 8), true}});
     const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
     EXPECT_FALSE(result.written);
-    EXPECT_TRUE(result.message.startsWith(QStringLiteral("No interface textures were found")));
+    EXPECT_TRUE(result.message.startsWith("No interface textures were found"));
     EXPECT_EQ(catalogue(), QByteArray("0\r\n"));
 }
 
@@ -112,7 +110,7 @@ TEST_F(CatalogueBuilderTest, CancellingOrABusyHostKeepsTheOldCatalogue) {
         };
         const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
         EXPECT_FALSE(result.written);
-        EXPECT_TRUE(result.message.contains(QStringLiteral("cancelled"))) << cancelAt;
+        EXPECT_TRUE(result.message.contains("cancelled")) << cancelAt;
         EXPECT_FALSE(host.IsBusy());
     }
     HeadlessBusy busy;
@@ -126,28 +124,27 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     writeGame();
     QByteArray broken = MakeTestArchive({{kPowers + "Lost.texture", MakeTestTexture(8, 8), true}});
     PutU32(broken, 12, 0xFFFFFFFF);
-    writeFile(QStringLiteral("CoH/piggs/broken.pigg"), broken);
+    writeFile("CoH/piggs/broken.pigg", broken);
     // A FIFO among the archives, and a link to it, are passed over unread.
-    const QString fifo = game() + QStringLiteral("/piggs/waiting.pigg");
+    const QString fifo = game() + "/piggs/waiting.pigg";
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    QFile::link(fifo, game() + QStringLiteral("/piggs/link.pigg"));
+    QFile::link(fifo, game() + "/piggs/link.pigg");
     QByteArray headless = MakeTestTexture(8, 8, false);
     headless.replace("DDS ", "XXXX");
     // An old texture whose long internal name pushes its DDS header far out.
     QByteArray longName = MakeTestTexture(300, 200, false);
     longName.insert(32, QByteArray(1000, 'n'));
     PutU32(longName, 0, quint32(longName.indexOf("DDS ")));
-    writeArchive(QStringLiteral("piggs/zz.pigg"),
-                 {{kPowers + "LongName.texture", longName, true},
-                  {kPowers + "NoSize.texture", headless},
-                  {kPowers + "Quote\".texture", MakeTestTexture(8, 8)}});
+    writeArchive("piggs/zz.pigg", {{kPowers + "LongName.texture", longName, true},
+                                   {kPowers + "NoSize.texture", headless},
+                                   {kPowers + "Quote\".texture", MakeTestTexture(8, 8)}});
 
     HeadlessBusy host;
     const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
     EXPECT_TRUE(result.written);
     const QStringList lines = result.message.split(u'\n');
     ASSERT_EQ(lines.size(), 3) << result.message.toStdString();
-    EXPECT_EQ(lines[0], QStringLiteral("7 textures in 5 categories"));
+    EXPECT_EQ(lines[0], "7 textures in 5 categories");
     EXPECT_TRUE(lines[1].endsWith("broken.pigg\" is damaged: its directory of 4294967295 entries "
                                   "runs past the end of the file."));
     EXPECT_EQ(lines[2], "2 textures were left out: their size or name could not be read.");
@@ -159,9 +156,9 @@ TEST(FitCatalogueCounts, SplitsLargeCategoriesAndCapsTheirNumber) {
         {"Big", QList<CatalogueEntry>(70000, CatalogueEntry{"t", 1, 1, "f", "t"})}, {"Empty", {}}};
     EXPECT_EQ(FitCatalogueCounts(categories), 0);
     ASSERT_EQ(categories.size(), 4);
-    EXPECT_EQ(categories[2].name, QStringLiteral("Big (3)"));
+    EXPECT_EQ(categories[2].name, "Big (3)");
     EXPECT_EQ(categories[2].entries.size(), 70000 - 2 * 32767);
-    EXPECT_EQ(categories[3].name, QStringLiteral("Empty"));
+    EXPECT_EQ(categories[3].name, "Empty");
 
     QList<CatalogueCategory> many(32767, CatalogueCategory{"c", {}});
     many.append({"over", QList<CatalogueEntry>(3, CatalogueEntry{})});

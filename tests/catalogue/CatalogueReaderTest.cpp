@@ -48,9 +48,7 @@ std::string everything(const QList<CatalogueCategory>& categories) {
 
 class CatalogueReaderTest : public TestEnvironment {
 protected:
-    QString catalogue(const QByteArray& text) const {
-        return writeFile(QStringLiteral("kelvaris.csv"), text);
-    }
+    QString catalogue(const QByteArray& text) const { return writeFile("kelvaris.csv", text); }
 };
 
 TEST_F(CatalogueReaderTest, EachCategoryGivesItsOwnTextures) {
@@ -68,31 +66,30 @@ TEST_F(CatalogueReaderTest, EachCategoryGivesItsOwnTextures) {
     }
 }
 
-TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchanged) {
+TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWritten) {
     const QList<CatalogueCategory> categories{
         {"Skies, all", {{" Clouds ", 512, 256, "texture_library/GUI/Sky", "clouds"}}},
         {"Empty", {}},
         {"Icons", {{"Aim", 32, 64, "texture_library/GUI/Icons", "Archery_Aim"}}}};
-    const QString file = root() + QStringLiteral("/new/folder/kelvaris.csv");
+    const QString file = root() + "/new/folder/kelvaris.csv";
     ASSERT_EQ(WriteCatalogue(file, categories), QString());
     const CatalogueContents back = ReadCatalogue(file);
     EXPECT_EQ(back.error, QString());
     EXPECT_EQ(everything(back.categories), everything(categories));
     EXPECT_TRUE(readFile(file).startsWith("3\r\n\"Skies, all\",1\r\n\" Clouds \",512,256,"));
-}
 
-TEST_F(CatalogueReaderTest, TextsTheFormCannotHoldAreNotWritten) {
-    const QString file = catalogue("old");
+    // Texts the form cannot hold: the file stays as it was.
+    const QByteArray before = readFile(file);
     for (const CatalogueEntry& bad :
          {CatalogueEntry{"say \"hi\"", 1, 1, "a", "b"},
           CatalogueEntry{"two\nlines", 1, 1, "a", "b"}, CatalogueEntry{"big", 32768, 1, "a", "b"},
           CatalogueEntry{"none", 0, 1, "a", "b"}}) {
         const QString error = WriteCatalogue(file, {{"C", {bad}}});
-        EXPECT_TRUE(error.contains(QStringLiteral("was not written"))) << error.toStdString();
+        EXPECT_TRUE(error.contains("was not written")) << error.toStdString();
     }
     QList<CatalogueCategory> tooMany(kMaxCatalogueCount + 1, CatalogueCategory{"c", {}});
     EXPECT_FALSE(WriteCatalogue(file, tooMany).isEmpty());
-    EXPECT_EQ(readFile(file), QByteArray("old"));
+    EXPECT_EQ(readFile(file), before);
 }
 
 struct HostileCase {
@@ -109,7 +106,7 @@ class HostileCatalogue : public CatalogueReaderTest,
 TEST_P(HostileCatalogue, GivesOneClearMessageAndKeepsWhatItCould) {
     const HostileCase& c = GetParam();
     const CatalogueSelection selection = ReadCatalogueSelection(catalogue(c.text), 0);
-    EXPECT_TRUE(selection.error.startsWith(QStringLiteral("The texture catalogue \"")));
+    EXPECT_TRUE(selection.error.startsWith("The texture catalogue \""));
     EXPECT_TRUE(selection.error.contains(QString::fromUtf8(c.error)))
         << selection.error.toStdString();
     EXPECT_EQ(selection.categories.size(), c.categories);
@@ -169,24 +166,24 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::to_string(info.index); });
 
 TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWinsAndAMissingOneIsNamed) {
-    EXPECT_EQ(UserCatalogueFile(), configHome() + QStringLiteral("/kelvaris/kelvaris.csv"));
+    EXPECT_EQ(UserCatalogueFile(), configHome() + "/kelvaris/kelvaris.csv");
     EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
     EXPECT_TRUE(QFileInfo(CatalogueFile()).isFile()); // beside the program
     EXPECT_EQ(
         ReadCatalogueSelection(UserCatalogueFile(), 0).error,
         QStringLiteral("The texture catalogue \"%1\" was not found.").arg(UserCatalogueFile()));
     // A FIFO in its place is named, not waited on.
-    QDir().mkpath(configHome() + QStringLiteral("/kelvaris"));
+    QDir().mkpath(configHome() + "/kelvaris");
     ASSERT_EQ(::mkfifo(QFile::encodeName(UserCatalogueFile()).constData(), 0600), 0);
     EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
     EXPECT_EQ(ReadCatalogueSelection(UserCatalogueFile(), 0).error,
               QStringLiteral("The texture catalogue \"%1\" is not a regular file.")
                   .arg(UserCatalogueFile()));
     QFile::remove(UserCatalogueFile());
-    writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), "0\r\n");
+    writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
     EXPECT_EQ(CatalogueFile(), UserCatalogueFile());
     qunsetenv("XDG_CONFIG_HOME");
-    EXPECT_EQ(UserCatalogueFile(), root() + QStringLiteral("/home/.config/kelvaris/kelvaris.csv"));
+    EXPECT_EQ(UserCatalogueFile(), root() + "/home/.config/kelvaris/kelvaris.csv");
 }
 
 TEST(ShippedCatalogue, ListsRealGameTexturesAndReachesTheBuildTree) {
@@ -205,16 +202,16 @@ TEST(ShippedCatalogue, ListsRealGameTexturesAndReachesTheBuildTree) {
 class TexturePathTest : public TestEnvironment {};
 
 TEST_F(TexturePathTest, GamePathsReuseFoldersInAnyLetterCaseAndStayInside) {
-    const QString game = root() + QStringLiteral("/CoH");
-    QDir().mkpath(game + QStringLiteral("/Data/Texture_Library/gui/Icons"));
-    EXPECT_EQ(TextureGameFile(game, QStringLiteral("texture_library/GUI/Icons"), "A"),
-              game + QStringLiteral("/Data/Texture_Library/gui/Icons/A.texture"));
-    EXPECT_EQ(TextureSaveFolder(game, QStringLiteral("texture_library/GUI/New")),
-              game + QStringLiteral("/Data/Texture_Library/gui/New/"));
-    EXPECT_EQ(TextureGameFile(game, QStringLiteral("texture_library/../.."), "A"), QString());
-    EXPECT_EQ(TextureGameFile(game, QStringLiteral("texture_library"), "../A"), QString());
-    EXPECT_EQ(TextureSaveFolder(game, QStringLiteral("/etc")), QString());
-    EXPECT_EQ(TextureGameFile(QString(), QStringLiteral("a"), "b"), QString());
+    const QString game = root() + "/CoH";
+    QDir().mkpath(game + "/Data/Texture_Library/gui/Icons");
+    EXPECT_EQ(TextureGameFile(game, "texture_library/GUI/Icons", "A"),
+              game + "/Data/Texture_Library/gui/Icons/A.texture");
+    EXPECT_EQ(TextureSaveFolder(game, "texture_library/GUI/New"),
+              game + "/Data/Texture_Library/gui/New/");
+    EXPECT_EQ(TextureGameFile(game, "texture_library/../..", "A"), QString());
+    EXPECT_EQ(TextureGameFile(game, "texture_library", "../A"), QString());
+    EXPECT_EQ(TextureSaveFolder(game, "/etc"), QString());
+    EXPECT_EQ(TextureGameFile(QString(), "a", "b"), QString());
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 #include "common/FakeUi.h"
 
 #include <QDir>
+#include <QImage>
+#include <QPushButton>
 #include <memory>
 
 // The window as a tab's tests drive it: the per-user folders of
@@ -13,8 +15,7 @@
 // a fresh folder below the temporary one.
 class FormFixture : public TestEnvironment {
 protected:
-    explicit FormFixture(QString gameName = QStringLiteral("game"))
-        : gameName_(std::move(gameName)) {}
+    explicit FormFixture(QString gameName = "game") : gameName_(std::move(gameName)) {}
 
     void SetUp() override {
         TestEnvironment::SetUp();
@@ -27,6 +28,18 @@ protected:
     // A control of the window by its object name.
     template <typename T> T* control(const char* name) {
         return form->findChild<T*>(QString::fromLatin1(name));
+    }
+    void click(const char* button) { control<QPushButton>(button)->click(); }
+    // Clicks `button` and answers the file dialog it opens with `path`.
+    void choose(const char* button, const QString& path) {
+        ui.openAnswers.push_back(path);
+        click(button);
+    }
+    // Saves `image` below the temporary folder, in the format its name tells.
+    QString picture(const QString& relative, const QImage& image) const {
+        const QString path = writeFile(relative, {});
+        image.save(path);
+        return path;
     }
 
     FakeUi ui;

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace LauncherFixtures {
 
@@ -47,6 +48,35 @@ QByteArray GameRegistry(const QString& windowsFolder, int screenX, int screenY) 
                 "\n\"screenY\"=dword:" + QByteArray::number(screenY, 16).rightJustified(8, '0') +
                 "\n";
     return text;
+}
+
+void Lay(const QString& root, const Layout& layout) {
+    for (const Laid& item : layout) {
+        const QByteArray text = QByteArray(item.text).replace("ROOT", root.toUtf8());
+        const QString path = under(root, item.path);
+        switch (item.kind) {
+        case File:
+            WriteAt(root, item.path, text);
+            break;
+        case Folder:
+            QDir().mkpath(path);
+            break;
+        case Prefix:
+            MakePrefix(root, item.path, text);
+            break;
+        case Program:
+            MakeProgram(root, item.path);
+            break;
+        case Fifo:
+            QDir().mkpath(QFileInfo(path).absolutePath());
+            ::mkfifo(QFile::encodeName(path).constData(), 0600);
+            break;
+        case Link:
+            QDir().mkpath(QFileInfo(path).absolutePath());
+            QFile::link(under(root, QString::fromUtf8(text)), path);
+            break;
+        }
+    }
 }
 
 } // namespace LauncherFixtures

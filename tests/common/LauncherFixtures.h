@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 // Game launchers' folders as they lie in a player's home, written below a
@@ -22,5 +23,18 @@ QString MakeProgram(const QString& root, const QString& relative);
 // A user.reg whose Software\Cryptic\Coh key holds `windowsFolder` as the
 // "Installation Directory", plus the screen size when one is given.
 QByteArray GameRegistry(const QString& windowsFolder, int screenX = 0, int screenY = 0);
+
+// One thing of a launcher's layout. `text` is a file's bytes, a prefix's
+// user.reg or a link's target; "ROOT" in it stands for the test's folder.
+enum LaidKind { File, Folder, Prefix, Program, Fifo, Link };
+struct Laid {
+    LaidKind kind;
+    QString path;
+    QByteArray text = {};
+};
+using Layout = QList<Laid>;
+
+// Lays every thing in order below `root`.
+void Lay(const QString& root, const Layout& layout);
 
 } // namespace LauncherFixtures

@@ -1,6 +1,12 @@
 #include "TestPictures.h"
 
+#include <QtEndian>
+
 namespace {
+
+quint32 u32(const QByteArray& bytes, qsizetype at) {
+    return bytes.size() >= at + 4 ? qFromLittleEndian<quint32>(bytes.constData() + at) : 0;
+}
 
 void put16(QByteArray& bytes, int value) {
     bytes += char(value & 0xFF);
@@ -45,4 +51,22 @@ QList<quint32> PixelsOf(const QImage& image) {
         for (int x = 0; x < image.width(); ++x)
             pixels.append(image.pixel(x, y) & 0xFFFFFFu);
     return pixels;
+}
+
+TextureFile::TextureFile(const QByteArray& bytes)
+    : headerSize(u32(bytes, 0)), payloadSize(u32(bytes, 4)), width(u32(bytes, 8)),
+      height(u32(bytes, 12)), name(bytes.mid(32, qsizetype(headerSize) - 33)),
+      dds(bytes.mid(headerSize, payloadSize)) {}
+
+quint32 TextureFile::pixel(int x, int y) const {
+    return u32(dds, 128 + (qsizetype(y) * u32(dds, 16) + x) * 4);
+}
+
+QImage FilledImage(int width, int height, QRgb left, QRgb right) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(right);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width / 2; ++x)
+            image.setPixel(x, y, left);
+    return image;
 }

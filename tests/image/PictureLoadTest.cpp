@@ -1,6 +1,6 @@
+#include "app/BusyHost.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
-#include "common/RecordingBusy.h"
 #include "common/TestEnvironment.h"
 #include "common/TestPictures.h"
 #include "image/LoadImage.h"
@@ -42,6 +42,12 @@ const QByteArray kHugePng("\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR\0\0\xEA\x60\0\0\xEA\x
                           "\x01\xF7\x8D\x01\x51\0\0\0\0IEND\xAE\x42\x60\x82",
                           69);
 const QImage kPicture = GradientImage(64, 48);
+const QImage kFourImage = [] {
+    QImage image(2, 2, QImage::Format_RGB32);
+    for (int i = 0; i < 4; ++i)
+        image.setPixel(i % 2, i / 2, kFour[i]);
+    return image;
+}();
 
 class PictureLoadTest : public TestEnvironment {
 protected:
@@ -50,23 +56,12 @@ protected:
     }
 
     FakeUi ui;
-    RecordingBusy busy;
+    HeadlessBusy busy;
 };
 
-// ---- the picture kinds, whatever the letter case of the name --------------
-
-struct FormatCase {
-    const char* name;
-    std::function<QByteArray(const QImage&)> make;
-    int tolerance; // JPEG is lossy
-};
-
-class PictureKinds : public PictureLoadTest, public ::testing::WithParamInterface<FormatCase> {};
-
-TEST_P(PictureKinds, DecodeToTheirPixels) {
+TEST_F(PictureLoadTest, AJpegDecodesCloseToItsPicture) {
     const QImage source = GradientImage(24, 16);
-    const QImage decoded =
-        DecodePicture(picture(QString::fromLatin1(GetParam().name), GetParam().make(source)));
+    const QImage decoded = DecodePicture(picture("My Photo.JPEG", encoded(source, "JPEG")));
     ASSERT_EQ(decoded.size(), source.size());
     int worst = 0;
     for (int y = 0; y < source.height(); ++y)
@@ -75,40 +70,32 @@ TEST_P(PictureKinds, DecodeToTheirPixels) {
             worst = std::max({worst, std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
                               std::abs(qBlue(a) - qBlue(b))});
         }
-    EXPECT_LE(worst, GetParam().tolerance);
+    EXPECT_LE(worst, 12);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, PictureKinds,
-    ::testing::Values(
-        FormatCase{"Upper Case.BMP", [](const QImage& i) { return encoded(i, "BMP"); }, 0},
-        FormatCase{"My Photo.JPEG", [](const QImage& i) { return encoded(i, "JPEG"); }, 12},
-        FormatCase{"art.png", [](const QImage& i) { return encoded(i, "PNG"); }, 0}),
-    CaseName<FormatCase>);
+// ---- the lossless kinds, whatever the letter case of the name ----------------
 
-TEST_F(PictureLoadTest, GifDecodesToItsPixels) {
-    EXPECT_EQ(PixelsOf(DecodePicture(picture(QStringLiteral("Anim Name.GIF"), kGif))), kFour);
-}
-
-// ---- TGA without the footer, in its variants -------------------------------
-
+// TGA comes without the footer, in its variants.
 struct TgaCase {
     const char* name; // the file's name: told by its ending, in either letter case
     QByteArray file;
     QList<quint32> pixels; // top row first
 };
 
-class TgaVariants : public PictureLoadTest, public ::testing::WithParamInterface<TgaCase> {};
+class Lossless : public PictureLoadTest, public ::testing::WithParamInterface<TgaCase> {};
 
-TEST_P(TgaVariants, Decode) {
+TEST_P(Lossless, DecodeToTheirPixels) {
     const QImage decoded =
         DecodePicture(picture(QString::fromLatin1(GetParam().name), GetParam().file));
     EXPECT_EQ(PixelsOf(decoded), GetParam().pixels);
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Variants, TgaVariants,
-    ::testing::Values(TgaCase{"true colour, bottom row first.tga", kTga, kFour},
+    Kinds, Lossless,
+    ::testing::Values(TgaCase{"Upper Case.BMP", encoded(kFourImage, "BMP"), kFour},
+                      TgaCase{"art.png", encoded(kFourImage, "PNG"), kFour},
+                      TgaCase{"Anim Name.GIF", kGif, kFour},
+                      TgaCase{"true colour, bottom row first.tga", kTga, kFour},
                       TgaCase{"32-bit, top row first.TGA",
                               TgaBytes(2, 2, 2, 32, 0x28,
                                        kRed + '\xFF' + kGreen + '\xFF' + kBlue + '\xFF' + kWhite +
@@ -150,11 +137,9 @@ TEST_P(BadPictures, EndInImageCouldNotBeLoaded) {
     bool previewed = false;
     EXPECT_FALSE(
         LoadImage(path, dib, 1024, 768, busy, ui, [&](const cDIBSection&) { previewed = true; }));
-    EXPECT_EQ(ui.messageTexts(), QStringList{QStringLiteral("Image could not be loaded.")});
-    ASSERT_FALSE(ui.messages.isEmpty());
-    EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
+    EXPECT_EQ(ui.messageTexts(), QStringList{"Image could not be loaded."});
     EXPECT_FALSE(previewed);
-    EXPECT_FALSE(busy.busy);
+    EXPECT_FALSE(busy.IsBusy());
     EXPECT_EQ(dib.Row(0)[0], 77); // left as it was
 }
 
@@ -170,16 +155,14 @@ INSTANTIATE_TEST_SUITE_P(
     Bad, BadPictures,
     ::testing::Values(
         BadCase{"cut.bmp", [] { return cut(encoded(kPicture, "BMP")); }},
-        BadCase{"cut.jpg", [] { return cut(encoded(kPicture, "JPEG")); }},
-        BadCase{"cut.png", [] { return cut(encoded(kPicture, "PNG")); }},
-        BadCase{"cut.gif", [] { return cut(kGif); }}, BadCase{"cut.tga", [] { return cut(kTga); }},
+        // Without its end marker, Qt's reader would pad the picture out.
+        BadCase{"no-end.jpg", [] { return encoded(kPicture, "JPEG").chopped(2); }},
+        BadCase{"no-end.png", [] { return encoded(kPicture, "PNG").chopped(12); }},
+        BadCase{"no-end.gif", [] { return kGif.chopped(1); }},
+        BadCase{"cut.tga", [] { return cut(kTga); }},
         BadCase{"cut-rle.tga",
                 [] { return TgaBytes(10, 3, 2, 24, 0, QByteArray(1, '\x82') + kBlue + '\x02'); }},
-        BadCase{"header.bmp", [] { return spoiled(encoded(kPicture, "BMP"), 0, "XX"); }},
-        BadCase{"header.jpg",
-                [] { return spoiled(encoded(kPicture, "JPEG"), 0, QByteArray(2, '\0')); }},
         BadCase{"header.png", [] { return spoiled(encoded(kPicture, "PNG"), 1, "QNG"); }},
-        BadCase{"header.gif", [] { return spoiled(kGif, 0, "GOF"); }},
         BadCase{"header.tga", [] { return spoiled(kTga, 2, "\x63"); }},
         BadCase{"Empty File.PNG", [] { return QByteArray(); }},
         BadCase{"text.png", [] { return QByteArray("This is not a picture.\n"); }},
@@ -212,25 +195,16 @@ TEST_F(PictureLoadTest, OnlyRegularFilesAreRead) {
 
 // ---- the loading steps ------------------------------------------------------
 
-TEST_F(PictureLoadTest, ShowsItsStepsAndResamplesToTheAskedSize) {
-    const QString path = picture(QStringLiteral("Sunset Beach.png"), encoded(kPicture, "PNG"));
+TEST_F(PictureLoadTest, ResamplesToTheAskedSizeAndPreviewsIt) {
+    const QString path = picture("Sunset Beach.png", encoded(kPicture, "PNG"));
     cDIBSection dib;
     int previewWidth = 0;
     ASSERT_TRUE(LoadImage(path, dib, 100, 30, busy, ui,
                           [&](const cDIBSection& image) { previewWidth = int(image.Width()); }));
-    EXPECT_EQ(dib.Height(), 30);
+    EXPECT_EQ(QSize(int(dib.Width()), int(dib.Height())), QSize(100, 30));
     EXPECT_EQ(previewWidth, 100);
     EXPECT_TRUE(ui.messages.isEmpty());
-    const QList<RecordingBusy::Call> expected = {
-        {"busy", 10, "Loading Sunset Beach.png..."},
-        {"progress", 4, "Resampling Sunset Beach.png..."},
-        {"progress", 6, "Creating preview for Sunset Beach.png..."},
-        {"progress", 9, ""},
-        {"idle", 0, ""}};
-    EXPECT_EQ(busy.calls, expected);
-    busy.calls.clear(); // without previews there is no preview step
-    ASSERT_TRUE(LoadImage(path, dib, 64, 48, busy, ui));
-    EXPECT_EQ(busy.calls.size(), 3);
+    EXPECT_FALSE(busy.IsBusy());
 }
 
 struct WidthCase {

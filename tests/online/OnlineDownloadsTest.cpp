@@ -7,7 +7,9 @@
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
+#include "online/DownloadUrl.h"
 #include "online/OnlineSettings.h"
+#include "online/modSockets.h"
 
 #include <QDir>
 #include <QProcess>
@@ -25,8 +27,7 @@ protected:
     void SetUp() override {
         TestEnvironment::SetUp();
         for (int n = 0; n < kDownloadSlots; ++n)
-            StorePickedTexture(n, {QStringLiteral("Tex (256x128)"), 256, 128,
-                                   QStringLiteral("texture_library/GUI/Online"),
+            StorePickedTexture(n, {"Tex (256x128)", 256, 128, "texture_library/GUI/Online",
                                    QStringLiteral("tex%1").arg(n)});
         downloads = std::make_unique<OnlineDownloads>(ui, busy);
         downloads->SetPort(server.port());
@@ -47,17 +48,14 @@ protected:
         downloads.reset();
         TestEnvironment::TearDown();
     }
-    Start start(int slot, const QString& path = QStringLiteral("/p.png")) {
-        return downloads->StartDownload(slot, QStringLiteral("Tex"),
-                                        QStringLiteral("http://127.0.0.1") + path);
+    Start start(int slot, const QString& path = "/p.png") {
+        return downloads->StartDownload(slot, "Tex", "http://127.0.0.1" + path);
     }
     bool answer(int slot, int connection, const QByteArray& body, const QByteArray& type = "png") {
         return server.answer(connection, type, body,
                              [this, slot] { return downloads->Slot(slot).HeaderDone; });
     }
-    bool noTempFiles() const {
-        return QDir(WorkFolder()).entryList({QStringLiteral("kelvaris.tmp*")}).isEmpty();
-    }
+    bool noTempFiles() const { return QDir(WorkFolder()).entryList({"kelvaris.tmp*"}).isEmpty(); }
 
     FakeUi ui;
     HeadlessBusy busy;
@@ -178,19 +176,11 @@ TEST_P(ResponseTest, AppliesOnlyAcceptedPicturesAndLeavesNoTemporaryFile) {
 INSTANTIATE_TEST_SUITE_P(Responses, ResponseTest, ::testing::ValuesIn(kResponses),
                          CaseName<ResponseCase>);
 
-TEST_F(DownloadsTest, SendsTheRequestOnceAsTyped) {
-    ASSERT_EQ(start(1, QStringLiteral("/a b/Pic.PNG?x=1&y=%20")), Start::Started);
-    ASSERT_NE(server.waitForRequest(), nullptr);
-    EXPECT_EQ(server.request(), QByteArray("GET /a b/Pic.PNG?x=1&y=%20 HTTP/1.1\r\n"
-                                           "Host: 127.0.0.1\r\nConnection: close\r\n\r\n"));
-}
-
 // A typed port stays part of the host name, and a name with a space is never
 // looked up: both slots start, connect nowhere and wait for the abort.
 TEST_F(DownloadsTest, AnAddressThatCannotConnectWaitsForTheAbort) {
     EXPECT_EQ(start(2, QStringLiteral(":%1/a.png").arg(server.port())), Start::Started);
-    EXPECT_EQ(downloads->StartDownload(3, QStringLiteral("Tex"), QStringLiteral("http://a b/c")),
-              Start::Started);
+    EXPECT_EQ(downloads->StartDownload(3, "Tex", "http://a b/c"), Start::Started);
     WaitUntil([] { return false; }, 200); // time for a connection that must not come
     EXPECT_EQ(server.connectionCount(), 0);
     EXPECT_TRUE(downloads->Slot(2).Active && downloads->Slot(3).Active);
@@ -198,10 +188,13 @@ TEST_F(DownloadsTest, AnAddressThatCannotConnectWaitsForTheAbort) {
     EXPECT_FALSE(downloads->AnyActive());
 }
 
+// The request goes out once, as typed.
 TEST_F(DownloadsTest, AppliesOnlyOnceTheLastSlotHasFinished) {
-    ASSERT_EQ(start(1), Start::Started);
+    ASSERT_EQ(start(1, "/a b/Pic.PNG?x=1&y=%20"), Start::Started);
     ASSERT_NE(server.waitForRequest(0), nullptr);
-    ASSERT_EQ(start(3, QStringLiteral("/q.gif")), Start::Started);
+    EXPECT_EQ(server.request(), QByteArray("GET /a b/Pic.PNG?x=1&y=%20 HTTP/1.1\r\n"
+                                           "Host: 127.0.0.1\r\nConnection: close\r\n\r\n"));
+    ASSERT_EQ(start(3, "/q.gif"), Start::Started);
     ASSERT_TRUE(answer(1, 0, "one"));
     ASSERT_TRUE(WaitUntil([&] { return !downloads->Slot(1).Active; }));
     EXPECT_TRUE(applied.isEmpty()); // slot 3 is still downloading
@@ -213,14 +206,14 @@ TEST_F(DownloadsTest, AppliesOnlyOnceTheLastSlotHasFinished) {
                            {"kelvaris.tmp1.png one 256x128 texture_library/GUI/Online/tex1",
                             "kelvaris.tmp3.gif three 256x128 texture_library/GUI/Online/tex3"}));
     EXPECT_TRUE(noTempFiles());
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, QStringLiteral("LastOnlineUpdate")), QString());
+    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastOnlineUpdate"), QString());
 }
 
 // A texture the writer refuses, and a slot whose stored folder leaves the
 // game's data folder (it never reaches the writer): both are reported.
 TEST_F(DownloadsTest, FailedWritesAreReportedAndTheFilesDeleted) {
     applierResult = false;
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("webPath1"), QStringLiteral("../../etc"));
+    modRegistry::SetValue(kSettingsKey, "webPath1", "../../etc");
     ASSERT_EQ(start(0), Start::Started);
     ASSERT_TRUE(answer(0, 0, "data"));
     ASSERT_TRUE(WaitUntil([&] { return finished == 1; }));
@@ -229,10 +222,9 @@ TEST_F(DownloadsTest, FailedWritesAreReportedAndTheFilesDeleted) {
     ASSERT_TRUE(WaitUntil([&] { return finished == 2; }));
     EXPECT_EQ(applied.size(), 1);
     ASSERT_EQ(ui.messages.size(), 2);
-    EXPECT_EQ(ui.messages[0].text,
-              QStringLiteral("Error writing image. Please check file permissions."));
+    EXPECT_EQ(ui.messages[0].text, "Error writing image. Please check file permissions.");
     EXPECT_EQ(ui.messages[0].icon, MsgIcon::Exclamation);
-    EXPECT_TRUE(ui.messages[1].text.contains(QStringLiteral("online slot 1")));
+    EXPECT_TRUE(ui.messages[1].text.contains("online slot 1"));
     EXPECT_TRUE(noTempFiles());
 }
 
@@ -243,15 +235,12 @@ TEST_F(DownloadsTest, DownloadsAPictureFromARealServer) {
     QByteArray body(8 * 1024 * 1024, '\0');
     for (qsizetype i = 0; i < body.size(); ++i)
         body[i] = char(i * 7 % 251 == '\r' ? 'R' : i * 7 % 251);
-    writeFile(QStringLiteral("www/big.png"), body);
+    writeFile("www/big.png", body);
     QProcess python; // on a free port, which it names in its first line
-    python.start(QStringLiteral("python3"),
-                 {QStringLiteral("-um"), QStringLiteral("http.server"), QStringLiteral("-b"),
-                  QStringLiteral("127.0.0.1"), QStringLiteral("-d"),
-                  root() + QStringLiteral("/www"), QStringLiteral("0")});
+    python.start("python3", {"-um", "http.server", "-b", "127.0.0.1", "-d", root() + "/www", "0"});
     ASSERT_TRUE(WaitUntil([&] { return python.canReadLine(); }));
     downloads->SetPort(QString::fromLatin1(python.readLine()).section(u' ', 5, 5).toUShort());
-    ASSERT_EQ(start(2, QStringLiteral("/big.png")), Start::Started);
+    ASSERT_EQ(start(2, "/big.png"), Start::Started);
     EXPECT_TRUE(WaitUntil([&] { return finished == 1; }, 120000));
     python.kill();
     python.waitForFinished();
@@ -259,6 +248,52 @@ TEST_F(DownloadsTest, DownloadsAPictureFromARealServer) {
     EXPECT_TRUE(applied[0] ==
                 "kelvaris.tmp2.png " + body + " 256x128 texture_library/GUI/Online/tex2");
     EXPECT_TRUE(refused == 0 && ui.messages.isEmpty());
+}
+
+// An address as typed, its host and path as split (host nullptr: refused),
+// and whether that host is a name worth looking up.
+struct UrlCase {
+    const char* url;
+    const char* host;
+    const char* path;
+    bool lookedUp;
+};
+void PrintTo(const UrlCase& c, std::ostream* os) {
+    *os << c.url;
+}
+
+class UrlTest : public ::testing::TestWithParam<UrlCase> {};
+
+TEST_P(UrlTest, KeepsHostAndPathAsTypedAndLooksUpOnlyPlausibleNames) {
+    const UrlCase& c = GetParam();
+    const std::optional<DownloadTarget> target = SplitDownloadUrl(QString::fromUtf8(c.url));
+    ASSERT_EQ(target.has_value(), c.host != nullptr);
+    if (!target)
+        return;
+    EXPECT_EQ(target->Host, QString::fromUtf8(c.host));
+    EXPECT_EQ(target->Path, QString::fromUtf8(c.path));
+    EXPECT_EQ(modSockets::IsPlausibleHostName(target->Host), c.lookedUp);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Urls, UrlTest,
+    ::testing::Values(
+        UrlCase{"http://Example.COM/", "Example.COM", "/", true},
+        UrlCase{"HtTp://host:8080/a/b.png?x=1#f", "host:8080", "/a/b.png?x=1#f", false},
+        UrlCase{"http://host/a://b", "host", "/a://b", true},
+        UrlCase{"http://cdn-1.example_site.org/a", "cdn-1.example_site.org", "/a", true},
+        UrlCase{"http://::1/a", "::1", "/a", true}, UrlCase{"http:///abs", "", "/abs", false},
+        UrlCase{"http://a b/c", "a b", "/c", false},
+        UrlCase{"http://[::1]/a", "[::1]", "/a", false},
+        UrlCase{"http://h\xc3\xa9/a", "h\xc3\xa9", "/a", false},
+        UrlCase{"http://host", nullptr, nullptr, false},
+        UrlCase{"https://host/a.png", nullptr, nullptr, false},
+        UrlCase{"file://host/etc/passwd", nullptr, nullptr, false},
+        UrlCase{"host/a.png", nullptr, nullptr, false},
+        UrlCase{" http://host/a.png", nullptr, nullptr, false}));
+
+TEST(HostNames, ANameTooLongIsNotLookedUp) {
+    EXPECT_FALSE(modSockets::IsPlausibleHostName(QString(254, u'a')));
 }
 
 } // namespace

@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
 
 namespace {
 
@@ -24,7 +23,7 @@ const QByteArray kCatalogue = "3\r\n\"Signs\",1\r\n"
                               "\"Clouds\",512,256,\"texture_library/Sky\",\"clouds\"\r\n"
                               "\"Dawn\",1024,512,\"texture_library/Sky\",\"dawn\"\r\n"
                               "\"Nothing\",0\r\n";
-const QString kDownload = QStringLiteral("Download and Apply now");
+const QString kDownload = "Download and Apply now";
 
 QString value(const QString& name) {
     return modRegistry::QueryValue(kSettingsKey, name);
@@ -43,7 +42,7 @@ class OnlineTabTest : public FormFixture {
 protected:
     void SetUp() override {
         FormFixture::SetUp();
-        writeFile(QStringLiteral("config/kelvaris/kelvaris.csv"), kCatalogue);
+        writeFile("config/kelvaris/kelvaris.csv", kCatalogue);
         wire();
     }
     void wire() {
@@ -59,20 +58,26 @@ protected:
         return form->findChild<T*>(QString::fromLatin1(name) + u'_' + QString::number(n));
     }
     bool chooserShown() { return !control<QGroupBox>("webTexFrame")->isHidden(); }
+    // The slot's stored name, width, height, folder and file.
+    static QStringList slotValues(int n) {
+        QStringList values;
+        for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
+                              OnlineValue::Path, OnlineValue::File})
+            values << value(OnlineValueName(v, n));
+        return values;
+    }
     QString caption() { return control<QPushButton>("webDownload")->text(); }
     // The slot's texture chosen and its address typed, as the player does.
     void bindSlot(int n, const QString& address) {
-        row<QLineEdit>("webFile", n)->setText(QStringLiteral("Sign (128x64)"));
+        row<QLineEdit>("webFile", n)->setText("Sign (128x64)");
         row<QLineEdit>("webURL", n)->setText(address);
         store(OnlineValueName(OnlineValue::Link, n), address);
-        StorePickedTexture(n,
-                           {QStringLiteral("Sign (128x64)"), 128, 64,
-                            QStringLiteral("texture_library/GUI/Signs"), QStringLiteral("sign")});
+        StorePickedTexture(n, {"Sign (128x64)", 128, 64, "texture_library/GUI/Signs", "sign"});
     }
     // A randomizer run whose stored date of the last refresh is `lastUpdate`.
     void runRandomizer(const QString& lastUpdate) {
-        store(QStringLiteral("LastOnlineUpdate"), lastUpdate);
-        form = std::make_unique<Form1>(ui, QStringList{QStringLiteral("-randomizer")});
+        store("LastOnlineUpdate", lastUpdate);
+        form = std::make_unique<Form1>(ui, QStringList{"-randomizer"});
         wire();
         form->Form_Load();
     }
@@ -82,139 +87,119 @@ protected:
     double now = 1000.0;
 };
 
-TEST_F(OnlineTabTest, PickThisTextureStoresTheChoiceInOrder) {
-    row<QLineEdit>("webURL", 3)->setText(QStringLiteral("http://keep/me.png"));
+// The chooser's three ways out: pick (stores the texture, never the
+// address), keep current (stores nothing), clear (forgets the texture).
+TEST_F(OnlineTabTest, TheChooserPicksKeepsOrClearsTheSlotsTexture) {
+    row<QLineEdit>("webURL", 3)->setText("http://keep/me.png");
     row<QPushButton>("webPick", 3)->click();
     EXPECT_TRUE(chooserShown());
-    auto* categories = control<QComboBox>("webCategory");
-    auto* textures = control<QComboBox>("webTexture");
-    EXPECT_EQ(textures->currentText(), QStringLiteral("Sign (128x64)"));
-    categories->setCurrentIndex(1); // rebuilds the texture list
-    textures->setCurrentIndex(1);
-    control<QPushButton>("webPickTexture")->click();
-
+    control<QComboBox>("webCategory")->setCurrentIndex(1); // rebuilds the texture list
+    control<QComboBox>("webTexture")->setCurrentIndex(1);
+    click("webPickTexture");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("Dawn (1024x512)"));
-    const QString stored = QString::fromUtf8(readFile(storeFile()));
-    const QRegularExpression order(
-        QStringLiteral("webName3\"=\"Dawn \\(1024x512\\).*webWidth3\"=\"1024.*webHeight3\"=\"512.*"
-                       "webPath3\"=\"texture_library/Sky.*webFile3\"=\"dawn"),
-        QRegularExpression::DotMatchesEverythingOption);
-    EXPECT_TRUE(order.match(stored).hasMatch()) << stored.toStdString();
-    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), QStringLiteral("http://keep/me.png"));
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), "Dawn (1024x512)");
+    const QStringList picked = {"Dawn (1024x512)", "1024", "512", "texture_library/Sky", "dawn"};
+    EXPECT_EQ(slotValues(3), picked);
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://keep/me.png");
 
-    // With no texture in the list, the button only closes the chooser.
     row<QPushButton>("webPick", 3)->click();
-    categories->setCurrentIndex(2);
-    control<QPushButton>("webPickTexture")->click();
+    control<QComboBox>("webCategory")->setCurrentIndex(2); // no texture: nothing to store
+    click("webPickTexture");
+    row<QPushButton>("webPick", 3)->click();
+    control<QComboBox>("webCategory")->setCurrentIndex(0);
+    click("webCancel");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(value(QStringLiteral("webName3")), QStringLiteral("Dawn (1024x512)"));
-}
+    EXPECT_EQ(slotValues(3), picked);
 
-TEST_F(OnlineTabTest, KeepCurrentStoresNothingAndClearKeepsTheAddress) {
-    bindSlot(2, QStringLiteral("http://a/b.png"));
-    const QByteArray before = readFile(storeFile());
-    row<QPushButton>("webPick", 2)->click();
-    control<QComboBox>("webCategory")->setCurrentIndex(1);
-    control<QPushButton>("webCancel")->click();
+    row<QPushButton>("webPick", 3)->click();
+    click("webClear");
     EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(readFile(storeFile()), before);
-
-    row<QPushButton>("webPick", 2)->click();
-    control<QPushButton>("webClear")->click();
-    EXPECT_FALSE(chooserShown());
-    EXPECT_EQ(row<QLineEdit>("webFile", 2)->text(), QString());
-    EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QStringLiteral("http://a/b.png"));
-    for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
-                          OnlineValue::Path, OnlineValue::File})
-        EXPECT_EQ(value(OnlineValueName(v, 2)), QString());
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QString());
+    EXPECT_EQ(slotValues(3), QStringList(5, QString()));
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://keep/me.png");
 }
 
 // Slot 0 has no texture and slot 4 no address: skipped, unmarked. Slot 2's
-// address is refused: red until the player types.
-TEST_F(OnlineTabTest, ARefusedAddressTurnsRedUntilTyping) {
-    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://127.0.0.1/a.png"));
-    row<QLineEdit>("webFile", 4)->setText(QStringLiteral("Sign"));
-    bindSlot(2, QStringLiteral("https://example.invalid/picture.png"));
-    control<QPushButton>("webDownload")->click();
+// address is refused: red until the player types. Slot 1 downloads.
+TEST_F(OnlineTabTest, TheButtonStartsAbortsOrEndsWithTheDownloadsAndMarksRefusedAddresses) {
+    auto red = [this](int n) {
+        return isRed(row<QLineEdit>("webURL", n)) || isRed(row<QLabel>("webLabel", n));
+    };
+    row<QLineEdit>("webURL", 0)->setText("http://127.0.0.1/a.png");
+    row<QLineEdit>("webFile", 4)->setText("Sign");
+    bindSlot(2, "https://example.invalid/picture.png");
+    click("webDownload"); // nothing to download: the caption stays
     EXPECT_EQ(caption(), kDownload);
-    EXPECT_FALSE(form->Downloads().AnyActive());
-    for (int n : {0, 4})
-        EXPECT_FALSE(isRed(row<QLineEdit>("webURL", n)) || isRed(row<QLabel>("webLabel", n)));
-    EXPECT_TRUE(isRed(row<QLineEdit>("webURL", 2)) && isRed(row<QLabel>("webLabel", 2)));
-    row<QLineEdit>("webURL", 2)->setText(QStringLiteral("http://example.invalid/picture.png"));
-    EXPECT_FALSE(isRed(row<QLineEdit>("webURL", 2)) || isRed(row<QLabel>("webLabel", 2)));
-}
-
-TEST_F(OnlineTabTest, TheButtonAbortsOrEndsWithTheDownloads) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    auto* button = control<QPushButton>("webDownload");
-    button->click();
-    EXPECT_EQ(caption(), QStringLiteral("Abort Downloads"));
+    EXPECT_FALSE(red(0) || red(4));
+    EXPECT_TRUE(red(2));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    click("webDownload");
+    EXPECT_EQ(caption(), "Abort Downloads");
     EXPECT_FALSE(row<QWidget>("webURL", 1)->isEnabled());
     ASSERT_NE(server.waitForRequest(0), nullptr);
-    button->click();
+    click("webDownload");
     EXPECT_EQ(caption(), kDownload);
     EXPECT_FALSE(form->Downloads().AnyActive());
     EXPECT_TRUE(row<QWidget>("webURL", 1)->isEnabled());
+    row<QLineEdit>("webURL", 2)->setText("");
+    EXPECT_FALSE(red(2));
 
-    button->click();
+    click("webDownload");
     ASSERT_TRUE(
         server.answer(1, "png", "picture", [&] { return form->Downloads().Slot(1).HeaderDone; }));
     ASSERT_TRUE(WaitUntil([&] { return !written.isEmpty(); }));
-    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign picture")});
+    EXPECT_EQ(written, QStringList{"kelvaris.tmp1.png sign picture"});
     EXPECT_EQ(caption(), kDownload);
     EXPECT_TRUE(row<QWidget>("webPick", 1)->isEnabled());
 }
 
 TEST_F(OnlineTabTest, ExportTakesTheTypedAddressesAndAnImportSurvivesTheClose) {
-    store(QStringLiteral("webLink1"), QStringLiteral("http://old/1.png"));
-    store(QStringLiteral("webLink2"), QStringLiteral("http://old/2.png"));
+    store("webLink1", "http://old/1.png");
+    store("webLink2", "http://old/2.png");
     form->Form_Load();
-    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
-    row<QLineEdit>("webURL", 0)->setText(QStringLiteral("http://typed/0.png"));
-    ui.saveAnswers.push_back(root() + QStringLiteral("/saved.reg"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), "http://old/1.png");
+    row<QLineEdit>("webURL", 0)->setText("http://typed/0.png");
+    ui.saveAnswers.push_back(root() + "/saved.reg");
     control<QPushButton>("webRegFile")->click(); // the addresses as typed, not as stored
-    EXPECT_EQ(ui.saveRequests.value(0).proposedName, QStringLiteral("Kelvaris Textures.reg"));
-    EXPECT_TRUE(readFile(root() + QStringLiteral("/saved.reg"))
+    EXPECT_EQ(ui.saveRequests.value(0).proposedName, "Kelvaris Textures.reg");
+    EXPECT_TRUE(readFile(root() + "/saved.reg")
                     .contains("\"webLink0\"=\"http://typed/0.png\"\r\n\"webName1"));
-    ui.openAnswers.push_back(writeFile(QStringLiteral("given.reg"),
+    ui.openAnswers.push_back(writeFile("given.reg",
                                        "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n"
                                        "\"webName3\"=\"New 3\"\r\n\"webLink0\"=\"http://new/0.png\""
                                        "\r\n\"webLink2\"=\"\"\r\n"));
     control<QPushButton>("webImport")->click();
-    EXPECT_EQ(ui.messageTexts(),
-              QStringList{QStringLiteral("3 online texture setting(s) were imported.")});
-    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), QStringLiteral("New 3"));
-    EXPECT_EQ(row<QLineEdit>("webURL", 0)->text(), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), QStringLiteral("http://old/1.png"));
+    EXPECT_EQ(ui.messageTexts(), QStringList{"3 online texture setting(s) were imported."});
+    EXPECT_EQ(row<QLineEdit>("webFile", 3)->text(), "New 3");
+    EXPECT_EQ(row<QLineEdit>("webURL", 0)->text(), "http://new/0.png");
+    EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), "http://old/1.png");
     EXPECT_EQ(row<QLineEdit>("webURL", 2)->text(), QString());
 
     form->Unload();
     ASSERT_TRUE(form->IsUnloaded());
-    EXPECT_EQ(value(QStringLiteral("webLink0")), QStringLiteral("http://new/0.png"));
-    EXPECT_EQ(value(QStringLiteral("webLink2")), QString());
+    EXPECT_EQ(value("webLink0"), "http://new/0.png");
+    EXPECT_EQ(value("webLink2"), QString());
 }
 
 TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    runRandomizer(QStringLiteral("a day long gone"));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    runRandomizer("a day long gone");
     ASSERT_FALSE(form->IsUnloaded()); // waiting for the download
     now = 1010.0;
     ASSERT_TRUE(server.answer(0, "png", "png", [&] { return form->LastDataTime() == 1010.0; }));
     ASSERT_TRUE(WaitUntil([&] { return form->IsUnloaded(); }));
-    EXPECT_EQ(written, QStringList{QStringLiteral("kelvaris.tmp1.png sign png")});
-    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), ShortDateText(QDate::currentDate()));
+    EXPECT_EQ(written, QStringList{"kelvaris.tmp1.png sign png"});
+    EXPECT_EQ(value("LastOnlineUpdate"), ShortDateText(QDate::currentDate()));
 
-    runRandomizer(value(QStringLiteral("LastOnlineUpdate"))); // a second run the same day
+    runRandomizer(value("LastOnlineUpdate")); // a second run the same day
     EXPECT_TRUE(form->IsUnloaded());
     WaitUntil([] { return false; }, 100); // time for a connection that must not come
     EXPECT_EQ(server.connectionCount(), 1);
 }
 
 TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
-    bindSlot(1, QStringLiteral("http://127.0.0.1/sign.png"));
-    runRandomizer(QStringLiteral("a day long gone"));
+    bindSlot(1, "http://127.0.0.1/sign.png");
+    runRandomizer("a day long gone");
     QTcpSocket* connection = server.waitForRequest();
     ASSERT_NE(connection, nullptr);
     now = 1020.0;
@@ -228,7 +213,7 @@ TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
     EXPECT_TRUE(form->IsUnloaded());
     EXPECT_FALSE(form->Downloads().AnyActive());
     EXPECT_TRUE(written.isEmpty());
-    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), QStringLiteral("a day long gone"));
+    EXPECT_EQ(value("LastOnlineUpdate"), "a day long gone");
 }
 
 } // namespace

@@ -25,11 +25,11 @@ using TexturesRegFileTest = TestEnvironment;
 // Slot 0's values written as they are, quotes and backslash included, then
 // read back after that slot was cleared and the addresses changed.
 TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBack) {
-    StorePickedTexture(0, {QStringLiteral("Big \"Sign\" (512x256)"), 512, 256,
-                           QStringLiteral("texture_library/GUI"), QStringLiteral("back\\slash")});
-    const QStringList links{QStringLiteral("http://a/1.png"), QString(), QString(), QString(),
-                            QStringLiteral("typed \"not saved\"")};
-    const QString path = root() + QStringLiteral("/t.reg");
+    StorePickedTexture(0,
+                       {"Big \"Sign\" (512x256)", 512, 256, "texture_library/GUI", "back\\slash"});
+    const QStringList links{"http://a/1.png", QString(), QString(), QString(),
+                            "typed \"not saved\""};
+    const QString path = root() + "/t.reg";
     ASSERT_TRUE(ExportOnlineTextures(path, links));
     QByteArray expected = kHead + "\"webName0\"=\"Big \"Sign\" (512x256)\"\r\n"
                                   "\"webPath0\"=\"texture_library/GUI\"\r\n"
@@ -44,8 +44,8 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBac
     ASSERT_EQ(readFile(path), expected);
 
     StoreClearedSelection(0);
-    store(QStringLiteral("webLink0"), QStringLiteral("http://old/x.png"));
-    store(QStringLiteral("webLink3"), QStringLiteral("http://old/y.png"));
+    store("webLink0", "http://old/x.png");
+    store("webLink3", "http://old/y.png");
     const TexturesImport result = ImportOnlineTextures(path);
     EXPECT_TRUE(result.problems.isEmpty()) << result.Message().toStdString();
     EXPECT_EQ(result.merged, 30);
@@ -57,25 +57,23 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBac
 }
 
 TEST_F(TexturesRegFileTest, AFullDiskFailsTheImportAndTheExportAndKeepsWhatWasThere) {
-    store(QStringLiteral("webLink0"), QStringLiteral("http://kept/x.png"));
-    const QString path =
-        writeFile(QStringLiteral("i.reg"), kHead + "\"webLink0\"=\"http://new\"\r\n");
+    store("webLink0", "http://kept/x.png");
+    const QString path = writeFile("i.reg", kHead + "\"webLink0\"=\"http://new\"\r\n");
     const QByteArray importFile = readFile(path);
     FailWritesAfter(0);
     const TexturesImport result = ImportOnlineTextures(path);
     EXPECT_EQ(result.merged, 0);
-    EXPECT_TRUE(result.Message().contains(QStringLiteral("could not be written")))
+    EXPECT_TRUE(result.Message().contains("could not be written"))
         << result.Message().toStdString();
-    EXPECT_EQ(value(QStringLiteral("webLink0")), QStringLiteral("http://kept/x.png"));
+    EXPECT_EQ(value("webLink0"), "http://kept/x.png");
     EXPECT_FALSE(ExportOnlineTextures(path, {}));
     EXPECT_EQ(readFile(path), importFile);
 
     // A FIFO chosen as the file to import is refused, not waited on.
     FailWritesAfter(-1);
-    const QString fifo = root() + QStringLiteral("/fifo.reg");
+    const QString fifo = root() + "/fifo.reg";
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    EXPECT_TRUE(
-        ImportOnlineTextures(fifo).Message().contains(QStringLiteral("not a regular file")));
+    EXPECT_TRUE(ImportOnlineTextures(fifo).Message().contains("not a regular file"));
 }
 
 struct ImportCase {
@@ -122,14 +120,14 @@ class ImportTest : public TestEnvironment, public ::testing::WithParamInterface<
 
 TEST_P(ImportTest, StoresOnlyTheGoodPartsAndSaysWhy) {
     const ImportCase& c = GetParam();
-    store(QStringLiteral("webPath2"), QStringLiteral("texture_library/Kept"));
-    const TexturesImport result = ImportOnlineTextures(writeFile(QStringLiteral("i.reg"), c.text));
+    store("webPath2", "texture_library/Kept");
+    const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
     EXPECT_EQ(result.merged, c.merged);
     EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
         << result.Message().toStdString();
-    EXPECT_EQ(value(QStringLiteral("webPath2")), QStringLiteral("texture_library/Kept"));
-    EXPECT_EQ(value(QStringLiteral("CohPath")), QString());
-    EXPECT_EQ(value(QStringLiteral("LastOnlineUpdate")), QString());
+    EXPECT_EQ(value("webPath2"), "texture_library/Kept");
+    EXPECT_EQ(value("CohPath"), QString());
+    EXPECT_EQ(value("LastOnlineUpdate"), QString());
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ImportTest, ::testing::ValuesIn(kImports), CaseName<ImportCase>);

@@ -18,18 +18,16 @@ QString execLine(const QByteArray& entry) {
 }
 
 TEST_F(RandomizerDesktopEntryTest, WritesAnEntryThatValidatesAndCarriesEveryArgument) {
-    const QString path =
-        WriteRandomizerDesktopEntry({"-skipupdate", "", "say \"hi\"", "$HOME", "C:\\x", "100%"},
-                                    QStringLiteral("/opt/my games/kelvaris"));
-    EXPECT_EQ(path, root() + QStringLiteral("/data-home/applications/kelvaris-randomizer.desktop"));
+    const QString path = WriteRandomizerDesktopEntry(
+        {"-skipupdate", "", "say \"hi\"", "$HOME", "C:\\x", "100%"}, "/opt/my games/kelvaris");
+    EXPECT_EQ(path, root() + "/data-home/applications/kelvaris-randomizer.desktop");
     const QByteArray entry = readFile(path);
     EXPECT_EQ(execLine(entry),
               QStringLiteral("\"/opt/my games/kelvaris\" -randomizer -skipupdate \"\" "
                              "\"say \\\\\"hi\\\\\"\" \"\\\\$HOME\" \"C:\\\\\\\\x\" 100%%"));
     EXPECT_TRUE(entry.contains("\nIcon=io.github.kelvaris.Kelvaris\n"));
 
-    const QString validator =
-        QStandardPaths::findExecutable(QStringLiteral("desktop-file-validate"));
+    const QString validator = QStandardPaths::findExecutable("desktop-file-validate");
     if (validator.isEmpty())
         GTEST_SKIP() << "desktop-file-validate is not installed (package desktop-file-utils)";
     QProcess validate;
@@ -41,14 +39,13 @@ TEST_F(RandomizerDesktopEntryTest, WritesAnEntryThatValidatesAndCarriesEveryArgu
 TEST_F(RandomizerDesktopEntryTest, FallsBackToTheHomeAndRefusesWhatAnEntryCannotCarry) {
     qunsetenv("XDG_DATA_HOME");
     const QString path = WriteRandomizerDesktopEntry({"-x"});
-    EXPECT_EQ(path, QDir::homePath() +
-                        QStringLiteral("/.local/share/applications/kelvaris-randomizer.desktop"));
-    EXPECT_EQ(execLine(readFile(path)), QStringLiteral("kelvaris -randomizer -x"));
+    EXPECT_EQ(path, QDir::homePath() + "/.local/share/applications/kelvaris-randomizer.desktop");
+    EXPECT_EQ(execLine(readFile(path)), "kelvaris -randomizer -x");
 
     // An argument with a carriage return cannot be written: the entry that
     // is there stays as it was.
-    EXPECT_EQ(WriteRandomizerDesktopEntry({QStringLiteral("a\rb")}), QString());
-    EXPECT_EQ(execLine(readFile(path)), QStringLiteral("kelvaris -randomizer -x"));
+    EXPECT_EQ(WriteRandomizerDesktopEntry({"a\rb"}), QString());
+    EXPECT_EQ(execLine(readFile(path)), "kelvaris -randomizer -x");
 }
 
 } // namespace
