@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
-#include <QProcess>
 
 namespace {
 
@@ -53,10 +52,5 @@ QString RealUiServices::SaveFile(const FileDialogRequest& request) {
 }
 
 bool RealUiServices::StartProgram(const ProgramStart& start) {
-    QProcess process;
-    process.setProgram(start.program);
-    process.setArguments(start.arguments);
-    process.setWorkingDirectory(start.workingFolder);
-    process.setProcessEnvironment(start.environment);
-    return process.startDetached();
+    return StartDetached(start);
 }

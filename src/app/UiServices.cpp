@@ -1,5 +1,7 @@
 #include "UiServices.h"
 
+#include <QProcess>
+
 QString QtFileFilter(const QString& filter) {
     const QStringList parts = filter.split(u'|');
     QStringList entries;
@@ -9,4 +11,13 @@ QString QtFileFilter(const QString& filter) {
         entries << parts[i] + QStringLiteral(" (") + patterns + u')';
     }
     return entries.join(QStringLiteral(";;"));
+}
+
+bool StartDetached(const ProgramStart& start) {
+    QProcess process;
+    process.setProgram(start.program);
+    process.setArguments(start.arguments);
+    process.setWorkingDirectory(start.workingFolder);
+    process.setProcessEnvironment(start.environment);
+    return process.startDetached();
 }

@@ -43,5 +43,9 @@ public:
     virtual bool StartProgram(const ProgramStart& start) = 0;
 };
 
+// Starts the program without waiting for it, as StartProgram does for both
+// the window and the command line; false when it could not start.
+bool StartDetached(const ProgramStart& start);
+
 // "Description|*.a;*.b|Other|*.c" as Qt's "Description (*.a *.b);;Other (*.c)".
 QString QtFileFilter(const QString& filter);

@@ -1,7 +1,6 @@
 #include "ConsoleUi.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <cstdio>
 #include <unistd.h>
 
@@ -27,12 +26,7 @@ MsgAnswer ConsoleUi::Message(const QString& Text, MsgIcon Icon, MsgButtons Butto
 }
 
 bool ConsoleUi::StartProgram(const ProgramStart& start) {
-    QProcess process;
-    process.setProgram(start.program);
-    process.setArguments(start.arguments);
-    process.setWorkingDirectory(start.workingFolder);
-    process.setProcessEnvironment(start.environment);
-    return process.startDetached();
+    return StartDetached(start);
 }
 
 ConsoleBusy::ConsoleBusy() : terminal_(::isatty(STDERR_FILENO) == 1) {}

@@ -47,20 +47,21 @@ CatalogueContents catalogue(const CliRequest& request) {
     return contents;
 }
 
-const CatalogueCategory* categoryNamed(const CatalogueContents& contents, const QString& wanted) {
+// The category or entry of `items` named or numbered `wanted`.
+template <typename Item> const Item* named(const QList<Item>& items, const QString& wanted) {
     QStringList names;
-    for (const CatalogueCategory& category : contents.categories)
-        names << category.name;
+    for (const Item& item : items)
+        names << item.name;
     const qsizetype i = pick(names, wanted);
-    return i < 0 ? nullptr : &contents.categories[i];
+    return i < 0 ? nullptr : &items[i];
+}
+
+const CatalogueCategory* categoryNamed(const CatalogueContents& contents, const QString& wanted) {
+    return named(contents.categories, wanted);
 }
 
 const CatalogueEntry* entryNamed(const CatalogueCategory& category, const QString& wanted) {
-    QStringList names;
-    for (const CatalogueEntry& entry : category.entries)
-        names << entry.name;
-    const qsizetype i = pick(names, wanted);
-    return i < 0 ? nullptr : &category.entries[i];
+    return named(category.entries, wanted);
 }
 
 int textureList(const CliRequest& request) {
