@@ -4,6 +4,7 @@
 #include "GameManifest.h"
 #include "TabHost.h"
 #include "UiServices.h"
+#include "audio/SoundLength.h"
 #include "texture/TextureReader.h"
 
 #include <QHBoxLayout>
@@ -35,7 +36,7 @@ InstalledTab::InstalledTab(TabHost& host, QWidget* parent) : QWidget(parent), ho
     insFiles_ = new QTreeWidget(this);
     insFiles_->setObjectName(QStringLiteral("insFiles"));
     insFiles_->setHeaderLabels({QStringLiteral("File"), QStringLiteral("Kind"),
-                                QStringLiteral("Size"), QStringLiteral("Written"),
+                                QStringLiteral("Length, size"), QStringLiteral("Written"),
                                 QStringLiteral("Replaced"), QStringLiteral("By")});
     insFiles_->setRootIsDecorated(false);
     insFiles_->setIconSize(kIcon);
@@ -71,8 +72,15 @@ void InstalledTab::Refresh() {
     for (const InventoryFile& file : GameInventory(game)) {
         if (QLatin1String(file.kind) == u"library")
             continue; // the library is Kelvaris's own, on the Randomizer tab
+        // Music shows how long it plays, pictures show themselves.
+        const bool music = QLatin1String(file.kind) == u"music";
+        QString size = QLocale().formattedDataSize(file.size);
+        if (const QString length =
+                music ? LengthText(SoundLengthMs(game + u'/' + file.path)) : QString();
+            !length.isEmpty())
+            size = length + QStringLiteral(", ") + size;
         auto* item = new QTreeWidgetItem(
-            insFiles_, {file.path, kindCaption(file.kind), QLocale().formattedDataSize(file.size),
+            insFiles_, {file.path, kindCaption(file.kind), size,
                         QLocale().toString(file.written, QLocale::ShortFormat),
                         file.hasBackup ? QStringLiteral("kept") : QString(),
                         file.byKelvaris ? QStringLiteral("Kelvaris") : QStringLiteral("?")});
@@ -80,7 +88,7 @@ void InstalledTab::Refresh() {
         item->setToolTip(4, file.hasBackup ? QStringLiteral("Restoring puts back the file "
                                                             "Kelvaris replaced")
                                            : QStringLiteral("Restoring removes the file"));
-        if (QLatin1String(file.kind) != u"music") {
+        if (!music) {
             const TexturePicture picture = ReadTextureFile(game + u'/' + file.path);
             if (!picture.image.isNull())
                 item->setIcon(0, QPixmap::fromImage(picture.image.scaled(

@@ -1,5 +1,6 @@
 #include "SoundFixtures.h"
 #include "audio/FfmpegDecoder.h"
+#include "audio/SoundLength.h"
 #include "audio/clsWinampPlugin.h"
 #include "common/CaseName.h"
 
@@ -116,6 +117,19 @@ TEST(FfmpegDecoderTest, ReadsAndSeeksWholeFramesBetweenInitAndCleanUp) {
     EXPECT_NEAR(double(rest), 882000.0, 9000.0);
     decoder.CleanUp();
     EXPECT_EQ(decoder.Read(odd, 7), 0);
+}
+
+} // namespace
+
+namespace {
+
+TEST(SoundLength, IsWhatTheContainerDeclares) {
+    ASSERT_FALSE(Sound("tone.ogg").isEmpty()) << "ffmpeg could not make the test sounds";
+    for (const char* name : {"tone.ogg", "tone.mp3", "tone.wav"})
+        EXPECT_NEAR(double(SoundLengthMs(Sound(name))), 10000.0, 100.0) << name;
+    EXPECT_EQ(SoundLengthMs(Sound("text.wav")), 0);
+    EXPECT_EQ(LengthText(SoundLengthMs(Sound("tone.ogg"))), QStringLiteral("0:10"));
+    EXPECT_EQ(LengthText(0), QString());
 }
 
 } // namespace
