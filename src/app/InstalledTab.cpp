@@ -97,6 +97,8 @@ void InstalledTab::Refresh() {
         ++count;
         ours += file.byKelvaris ? 1 : 0;
     }
+    for (int column = 1; column < insFiles_->columnCount(); ++column)
+        insFiles_->resizeColumnToContents(column);
     insSummary_->setText(
         count == 0 ? QStringLiteral("The game has only its own files.")
                    : QStringLiteral("%1 file(s), %2 placed by Kelvaris").arg(count).arg(ours));
