@@ -38,12 +38,12 @@ TexturePicture readDds(const QByteArray& data, qsizetype at, TexturePicture pict
     const QByteArray fourCc = data.mid(at + 84, 4);
     const char* pixels = data.constData() + at + kDdsHeaderBytes;
     const qint64 available = data.size() - at - kDdsHeaderBytes;
-    QImage image(int(width), int(height), QImage::Format_RGBA8888);
-    if (image.isNull())
-        return failed(QStringLiteral("There is not enough memory to show the texture."));
 
+    // The format and the bytes it needs are known before any pixel memory is
+    // taken: a short file claiming a huge picture costs nothing.
+    int squishFlags = 0;
+    qint64 needed = width * height * 4;
     if (flags & kPixelFormatFourCc) {
-        int squishFlags = 0;
         if (fourCc == "DXT1")
             squishFlags = squish::kDxt1;
         else if (fourCc == "DXT3")
@@ -53,16 +53,21 @@ TexturePicture readDds(const QByteArray& data, qsizetype at, TexturePicture pict
         else
             return failed(QStringLiteral("The DDS format \"%1\" cannot be shown.")
                               .arg(QString::fromLatin1(fourCc.toHex())));
-        if (available < squish::GetStorageRequirements(int(width), int(height), squishFlags))
-            return failed(QStringLiteral("The texture is cut short."));
+        needed = squish::GetStorageRequirements(int(width), int(height), squishFlags);
+    } else if (u32(data, at + 88) != 32) {
+        return failed(QStringLiteral("Only 32-bit uncompressed DDS images can be shown."));
+    }
+    if (available < needed)
+        return failed(QStringLiteral("The texture is cut short."));
+
+    QImage image(int(width), int(height), QImage::Format_RGBA8888);
+    if (image.isNull())
+        return failed(QStringLiteral("There is not enough memory to show the texture."));
+    if (squishFlags != 0) {
         squish::DecompressImage(image.bits(), int(width), int(height), int(image.bytesPerLine()),
                                 pixels, squishFlags);
         picture.format = QString::fromLatin1(fourCc);
     } else {
-        if (u32(data, at + 88) != 32)
-            return failed(QStringLiteral("Only 32-bit uncompressed DDS images can be shown."));
-        if (available < width * height * 4)
-            return failed(QStringLiteral("The texture is cut short."));
         // Blue, green, red, alpha in the file; red, green, blue, alpha here.
         for (int y = 0; y < height; ++y) {
             const auto* from = reinterpret_cast<const uchar*>(pixels) + qint64(y) * width * 4;
