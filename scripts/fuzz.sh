@@ -6,10 +6,14 @@
 # that did it is kept in build-fuzz/fuzz-artifacts/.
 #   KELVARIS_FUZZ_SECONDS  seconds per target (default 30)
 #   KELVARIS_FUZZ_TARGETS  which targets to run (default: all of them)
+#   KELVARIS_FUZZ_SEED     the fuzzer's seed (default 1; 0 lets it choose)
 set -eu
 top=$(cd "$(dirname "$0")/.." && pwd)
 build="$top/build-fuzz"
 seconds=${KELVARIS_FUZZ_SECONDS:-30}
+# A fixed seed by default, so a run can be repeated; KELVARIS_FUZZ_SEED=0
+# lets libFuzzer pick one.
+seed=${KELVARIS_FUZZ_SEED:-1}
 targets=${KELVARIS_FUZZ_TARGETS:-archive_directory tga_decoder regedit4 wine_hive catalogue \
 textures_reg_import download_response launcher_files texture_reader}
 
@@ -48,7 +52,7 @@ for t in $targets; do
     corpus="$scratch/corpus-$t"
     cp -R "$top/fuzz/corpus/$t" "$corpus"
     log="$scratch/$t.log"
-    if "$build/fuzz/fuzz_$t" -max_total_time="$seconds" -timeout=10 \
+    if "$build/fuzz/fuzz_$t" -max_total_time="$seconds" -timeout=10 -seed="$seed" \
         -malloc_limit_mb="$malloc_mb" -rss_limit_mb=2048 -print_final_stats=1 \
         -artifact_prefix="$artifacts/$t-" "$corpus" >"$log" 2>&1; then
         runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
