@@ -67,23 +67,6 @@ TEST_F(FormTest, SettingsRoundTripThroughStartAndClose) {
     EXPECT_FALSE(QFile::exists(cacheHome() + "/kelvaris/converted.ogg"));
 }
 
-TEST_F(FormTest, TheGamesOwnKeyGivesTheFolderWhenNoneIsStoredOrWhenDetectionIsOn) {
-    storeGameKey("Installation Directory", "/detected");
-    storeGameKey("screenY", "900");
-    auto fallback = makeForm();
-    fallback->Form_Load();
-    EXPECT_EQ(fallback->GameFolder(), QStringLiteral("/detected"));
-    EXPECT_EQ(Tag(control<QLabel>(*fallback, "setCohRegKey")), QStringLiteral("Coh"));
-
-    store("CohAuto", "1");
-    store("CohPath", "/typed");
-    auto detecting = makeForm();
-    detecting->Form_Load();
-    EXPECT_EQ(detecting->GameFolder(), QStringLiteral("/detected"));
-    EXPECT_EQ(detecting->Settings().ScreenHeightText(), QStringLiteral("900"));
-    EXPECT_FALSE(control<QLineEdit>(*detecting, "setCohPath")->isEnabled());
-}
-
 TEST_F(FormTest, BusyStateLocksTheTabsAndTurnsCloseIntoCancel) {
     auto form = makeForm();
     form->Form_Load();

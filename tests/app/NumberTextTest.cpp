@@ -19,11 +19,10 @@ TEST_P(SizeBoxReading, LeavingTheBoxShowsItsNumber) {
 
 INSTANTIATE_TEST_SUITE_P(Typed, SizeBoxReading,
                          ::testing::Values(SizeBoxCase{"800", "800"}, SizeBoxCase{"", "0"},
-                                           SizeBoxCase{"abc", "0"}, SizeBoxCase{"1280x", "1280"},
-                                           SizeBoxCase{"-1024", "1024"}, SizeBoxCase{"1e3", "1000"},
+                                           SizeBoxCase{"1280x", "1280"},
+                                           SizeBoxCase{"-1024", "1024"},
                                            SizeBoxCase{"12.5", "12.5"},
-                                           SizeBoxCase{" 1 024", "1024"}, SizeBoxCase{"1e", "1"},
-                                           SizeBoxCase{"+7", "7"}, SizeBoxCase{"1e999", "0"},
+                                           SizeBoxCase{" 1 024", "1024"}, SizeBoxCase{"1e999", "0"},
                                            SizeBoxCase{"--5", "0"}),
                          [](const auto& info) { return std::to_string(info.index); });
 

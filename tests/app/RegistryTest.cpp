@@ -234,17 +234,4 @@ TEST_F(RegistryTest, GameKeysComeFromTheWinePrefixWithLinuxPaths) {
     EXPECT_EQ(QueryValue(kSettingsKey, "screenX"), QString());
 }
 
-TEST_F(RegistryTest, TruncatedWineHiveNeverGivesHalfAPath) {
-    const QByteArray whole(kUserReg);
-    const QString coh = "Software\\Cryptic\\Coh";
-    const QString full = winePrefix() + "/drive_c/Games/City of Heroes";
-    for (qsizetype cut = 0; cut <= whole.size(); ++cut) {
-        writeFile("wine/user.reg", whole.left(cut));
-        const QString folder = QueryValue(coh, "Installation Directory");
-        EXPECT_TRUE(folder.isEmpty() || folder == full) << cut << " " << folder.toStdString();
-    }
-    writeFile("wine/user.reg", QByteArray(4096, '\xff'));
-    EXPECT_EQ(QueryValue(coh, "screenX"), QString());
-}
-
 } // namespace

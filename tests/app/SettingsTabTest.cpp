@@ -81,24 +81,6 @@ TEST_F(SettingsTabTest, BrowseTakesTheExecutablesFolderAndIgnoresACancel) {
     EXPECT_EQ(changes, 1); // the save buttons are looked at after every browse
 }
 
-TEST_F(SettingsTabTest, SizeBoxesSelectOnFocusAndShowTheirNumberOnLeaving) {
-    tab->show();
-    QApplication::setActiveWindow(tab.get());
-    auto* width = control<QLineEdit>("setWidth");
-    auto* height = control<QLineEdit>("setHeight");
-    width->setText("-1024");
-    width->setFocus();
-    QApplication::processEvents();
-    EXPECT_EQ(width->selectedText(), "-1024");
-    height->setFocus();
-    QApplication::processEvents();
-    EXPECT_EQ(width->text(), "1024");
-    height->setText("abc");
-    width->setFocus();
-    QApplication::processEvents();
-    EXPECT_EQ(height->text(), "0");
-}
-
 TEST_F(SettingsTabTest, AnInstallationFoundFillsTheFolderAndTheScreenSize) {
     using namespace LauncherFixtures;
     const QString prefix = MakePrefix(root(), "wine", GameRegistry("C:\\CoH", 1600, 900));

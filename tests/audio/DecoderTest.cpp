@@ -78,12 +78,9 @@ TEST_P(PluginCountTest, KeepsTheByteCounts) {
 INSTANTIATE_TEST_SUITE_P(
     Files, PluginCountTest,
     ::testing::Values(CountCase{"song.m4a", 10000, 1764000, 9000, 1755000, 1755000},
-                      CountCase{"SONG.MP4", 10000, 1764000, 9000, 1755000, 1755000},
                       CountCase{"song.mp3", 10000, 1764000, 9000, 1764000, 1764000},
-                      CountCase{"song.m4a.wav", 10000, 1764000, 9000, 1764000, 1764000},
                       CountCase{"earlyEnd.mp3", 10000, 882000, 9000, 1764000, 882000},
-                      CountCase{"crossesTheTotal.wav", 100, 1764000, 9000, 17640, 18000},
-                      CountCase{"largeBuffer.wav", 10000, 1764000, 65536, 1764000, 1764000}),
+                      CountCase{"crossesTheTotal.wav", 100, 1764000, 9000, 17640, 18000}),
     CaseName<CountCase>);
 
 TEST_F(PluginTest, ClosesOnceAndLeavesAClosedStreamAlone) {

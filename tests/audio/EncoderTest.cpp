@@ -1,5 +1,4 @@
 #include "SoundFixtures.h"
-#include "audio/clsDLL.h"
 #include "audio/clsEncoderOGG.h"
 #include "common/CaseName.h"
 #include "common/TestEnvironment.h"
@@ -7,7 +6,6 @@
 #include <QFileInfo>
 #include <cmath>
 #include <tuple>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -86,13 +84,9 @@ TEST_P(EncoderRefusalTest, RefusesWithoutWritingAndStaysUsable) {
 INSTANTIATE_TEST_SUITE_P(
     Limits, EncoderRefusalTest,
     ::testing::Values(RefusalCase{"noChannels", 44100, 0, "a.ogg", false, 8, false},
-                      RefusalCase{"threeChannels", 44100, 3, "a.ogg", false, 8, false},
-                      RefusalCase{"rateZero", 0, 2, "a.ogg", false, 8, false},
                       RefusalCase{"rateTheLibraryRefuses", 400000, 2, "a.ogg", false, 8, false},
-                      RefusalCase{"emptyName", 44100, 2, "", false, 8, false},
                       RefusalCase{"folderName", 44100, 2, ".", false, 8, false},
                       RefusalCase{"twoBytes", 44100, 1, "a.ogg", true, 2, false},
-                      RefusalCase{"fourBytes", 44100, 1, "a.ogg", true, 4, true},
                       RefusalCase{"largestBlock", 44100, 2, "a.ogg", true, 65534, true},
                       RefusalCase{"tooLargeBlock", 44100, 2, "a.ogg", true, 65536, false},
                       RefusalCase{"null", 44100, 2, "a.ogg", true, 8, false}),
@@ -113,32 +107,6 @@ TEST_F(EncoderLibrariesTest, MissingLibrariesOrExportsRefuseEverything) {
         EXPECT_FALSE(encoder.EncodeStream(samples, 8, taken));
         EXPECT_FALSE(encoder.CloseStream());
     }
-}
-
-const QString kLibc = "libc.so.6";
-
-TEST(DllTest, CallsExportsReportsAMissingOneAndLeavesNoHandleWhenUnloaded) {
-    clsDLL dll;
-    dll.UnloadDLL(); // nothing loaded: nothing happens
-    dll.SetIsCDECL(true);
-    ASSERT_TRUE(dll.LoadDLL(kLibc));
-    EXPECT_FALSE(dll.IsCDECL()); // loading resets the calling convention
-    EXPECT_EQ(dll.CallFunc<pid_t()>("getpid"), getpid());
-    char text[] = "kelvaris";
-    EXPECT_EQ(dll.CallFunc<size_t(const char*, int)>("strnlen", text, 3), 3u);
-    EXPECT_FALSE(dll.CallFunc<int(int)>("kelvaris_no_such_export", 1).has_value());
-    EXPECT_EQ(dll.LastError(), "Export function not found in DLL!");
-    // A later call that works clears the message.
-    EXPECT_EQ(dll.CallFunc<int(int)>("abs", -42), 42);
-    EXPECT_EQ(dll.LastError(), QString());
-
-    dll.UnloadDLL();
-    dll.UnloadDLL();
-    EXPECT_EQ(dll.ModuleHandle(), nullptr);
-    EXPECT_FALSE(dll.CallFunc<int(int)>("abs", 1).has_value());
-    EXPECT_FALSE(dll.LoadDLL("libkelvaris-no-such-library.so.9"));
-    EXPECT_FALSE(dll.LoadDLL(QString()));
-    EXPECT_EQ(dll.ModuleHandle(), nullptr);
 }
 
 } // namespace

