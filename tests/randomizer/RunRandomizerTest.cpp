@@ -6,7 +6,6 @@
 #include "randomizer/RandomizerArguments.h"
 
 #include <QFileInfo>
-#include <sys/stat.h>
 
 namespace {
 
@@ -64,19 +63,6 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     EXPECT_FALSE(QFile::exists(loginTexture()));
     EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background"))); // no library
     EXPECT_EQ(ui.starts.size(), 1);
-
-    // Entries that cannot be a picture are never installed, and none of them
-    // holds up the game: an empty file, a link to an endless device, a link
-    // to a FIFO nobody writes to.
-    const QString characters = game + "/Kelvaris/RandomHC/";
-    writeFile("game/Kelvaris/RandomHC/empty.dds", QByteArray());
-    QFile::link("/dev/zero", characters + "zero.dds");
-    const QString fifo = root() + "/fifo";
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    QFile::link(fifo, characters + "waiting.dds");
-    RunRandomizer(game, QStringList{"-randomizer"}, ui);
-    EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background")));
-    EXPECT_EQ(ui.starts.size(), 2);
 }
 
 TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
