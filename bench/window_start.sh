@@ -5,7 +5,7 @@
 # the same size (bench_bare_window). Both on Qt's offscreen platform, with a
 # player's settings store naming a game folder.
 # Usage: sh bench/window_start.sh [build dir] [runs]
-# Prints "window_start KELVARIS_MS BARE_MS" (medians) as its last line.
+# The last line is "RESULT window_start KELVARIS_MS BARE_MS" (medians).
 set -eu
 build=${1:-build-release}
 runs=${2:-20}
@@ -47,4 +47,4 @@ floor=$(median_ms "$bare")
 echo "Kelvaris's window, start to first paint: $ours ms (median of $runs)"
 echo "A bare Qt widget, start to first paint:   $floor ms"
 awk -v o="$ours" -v f="$floor" 'BEGIN { printf "Kelvaris / bare: %.2fx\n", o / f }'
-echo "window_start $ours $floor"
+echo "RESULT window_start $ours $floor"
