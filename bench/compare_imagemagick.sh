@@ -1,49 +1,66 @@
 #!/bin/sh
-# Times Kelvaris's login-screen conversion (a 1920 x 1080 JPEG loaded,
-# resampled bilinearly to 1024 x 768 and written as an uncompressed 32-bit
-# DDS in a 1024 x 1024 texture) against the same conversion by ImageMagick,
-# and prints both and their ratio. Needs a Release build with benchmarks:
-#   cmake -S . -B build-release -G Ninja -DCMAKE_BUILD_TYPE=Release -DKELVARIS_BUILD_BENCH=ON
-#   cmake --build build-release -j2
+# The login-screen conversion, whole process against whole process: Kelvaris
+# ("kelvaris screen login PICTURE", a 1920x1080 JPEG loaded, resampled
+# bilinearly to 1024x768 and written as an uncompressed 32-bit DDS in a
+# 1024x1024 texture) beside ImageMagick doing the same conversion with its
+# bilinear resize (-interpolative-resize). Then the compressed write: the
+# same login screen with compression beside nvcompress alone compressing
+# the same picture as Kelvaris hands it over.
+# Needs a Release build: cmake -S . -B build-release -G Ninja
+#   -DCMAKE_BUILD_TYPE=Release -DKELVARIS_BUILD_BENCH=ON && cmake --build build-release -j2
 # Usage: sh bench/compare_imagemagick.sh [build folder] [runs]
+# The last two lines are "RESULT login_screen OURS_MS IMAGEMAGICK_MS" and
+# "RESULT compressed_write OURS_MS NVCOMPRESS_MS".
 set -eu
 top=$(cd "$(dirname "$0")/.." && pwd)
+. "$top/bench/timing.sh"
 build=${1:-"$top/build-release"}
 runs=${2:-10}
-bench="$build/bench/bench_texture"
+kelvaris=$(cd "$build" && pwd)/src/kelvaris
 convert=/usr/bin/convert # ImageMagick itself, not another program of that name
+nvcompress=$(command -v nvcompress || true)
 
-[ -x "$bench" ] || { echo "no $bench: build the benchmarks first" >&2; exit 1; }
+[ -x "$kelvaris" ] || { echo "no $kelvaris: build first" >&2; exit 1; }
 [ -x "$convert" ] || { echo "no $convert: install Debian's imagemagick" >&2; exit 1; }
+[ -n "$nvcompress" ] || { echo "no nvcompress: install Debian's libnvtt-bin" >&2; exit 1; }
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-"$convert" -size 1920x1080 gradient:'#203060-#e0c080' \
-    \( -size 1920x1080 xc: -fx 'sin(i/20)*cos(j/33)/2+0.5' \) \
-    -compose overlay -composite -quality 90 "$work/in.jpg"
+mkdir -p "$work/game" "$work/config" "$work/cache"
+export XDG_CONFIG_HOME="$work/config" XDG_CACHE_HOME="$work/cache" HOME="$work" LC_ALL=C
+make_photo "$work/photo.jpg"
+texture="$work/game/data/texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.texture"
 
-now_ms() { date +%s%N | cut -c1-13; }
+ours=$(median_ms "$kelvaris" screen login "$work/photo.jpg" --game "$work/game" --no-compress)
+ours_bytes=$(wc -c <"$texture")
+theirs=$(median_ms "$convert" "$work/photo.jpg" -interpolate bilinear \
+    -interpolative-resize '1024x768!' -background black -extent 1024x1024 -alpha set \
+    -define dds:compression=none -define dds:mipmaps=0 "$work/out.dds")
+theirs_bytes=$(wc -c <"$work/out.dds")
 
-# Kelvaris: the benchmark's own per-run wall time for the same picture.
-ours=$(KELVARIS_BENCH_JPEG="$work/in.jpg" "$bench" \
-    --benchmark_filter=BM_LoadAndWriteLoginScreen --benchmark_repetitions="$runs" \
-    --benchmark_format=json 2>/dev/null |
-    python3 -c 'import json,sys
-d=json.load(sys.stdin)
-times=[b["real_time"] for b in d["benchmarks"] if b.get("aggregate_name")=="median"]
-print("%.1f" % times[0])')
+echo "Photograph-like 1920x1080 JPEG to the 1024x1024 login screen, median of $runs"
+echo "Kelvaris (whole process):    $ours ms ($ours_bytes bytes written)"
+echo "ImageMagick (whole process): $theirs ms ($theirs_bytes bytes written)"
+awk -v o="$ours" -v t="$theirs" 'BEGIN { printf "Kelvaris / ImageMagick: %.2fx\n", o / t }'
 
-start=$(now_ms)
-i=0
-while [ "$i" -lt "$runs" ]; do
-    "$convert" "$work/in.jpg" -filter Triangle -resize '1024x768!' -background black \
-        -extent 1024x1024 -alpha set -define dds:compression=none -define dds:mipmaps=0 \
-        "$work/out.dds"
-    i=$((i + 1))
-done
-end=$(now_ms)
-theirs=$(python3 -c "print('%.1f' % (($end - $start) / $runs))")
+# The compressed write: Kelvaris with compression, then nvcompress alone on
+# the picture Kelvaris left for it, with the options Kelvaris gives it.
+compressed=$(median_ms "$kelvaris" screen login "$work/photo.jpg" --game "$work/game" --compress)
+# Kelvaris removes its temporary picture: a stand-in found first on the
+# PATH keeps a copy of it, once, outside the timing.
+mkdir -p "$work/bin"
+printf '#!/bin/sh
+cp temp_tga.tga "%s/in.tga"
+exec "%s" "$@"
+' "$work" "$nvcompress" \
+    >"$work/bin/nvcompress"
+chmod +x "$work/bin/nvcompress"
+PATH="$work/bin:$PATH" "$kelvaris" screen login "$work/photo.jpg" --game "$work/game" \
+    --compress >/dev/null
+alone=$(median_ms "$nvcompress" -bc1 -nomips "$work/in.tga" "$work/alone.dds")
+echo "Kelvaris with compression (whole process): $compressed ms"
+echo "nvcompress -bc1 -nomips alone:             $alone ms"
+awk -v o="$compressed" -v t="$alone" 'BEGIN { printf "Kelvaris - nvcompress: %+.1f ms\n", o - t }'
 
-echo "Kelvaris (load, resample, write texture): $ours ms"
-echo "ImageMagick convert (same conversion):     $theirs ms"
-python3 -c "print('ImageMagick / Kelvaris: %.1fx' % ($theirs / $ours))"
+echo "RESULT login_screen $ours $theirs"
+echo "RESULT compressed_write $compressed $alone"

@@ -6,7 +6,8 @@
 #   bench/compare_oggenc.sh [BUILD_DIR] [SECONDS]
 #
 # SECONDS is the length of the test tone (default 180; 3600 for the hour-long
-# memory check).
+# memory check). The last line is "RESULT music KELVARIS_MS OGGENC_MS", the
+# best wall times of the WAV conversions.
 set -eu
 
 build=${1:-build-release}
@@ -41,14 +42,18 @@ measure() {
         [ "$kilobytes" -gt "$peak" ] && peak=$kilobytes
     done
     printf '%-36s %7s s wall %7s s CPU %8s KB peak\n' "$label" "$best_wall" "$best_cpu" "$peak"
+    last_wall=$best_wall
 }
 
 echo "Stereo 44.1 kHz tone, $seconds seconds"
 measure "kelvaris WAV -> ogg" "$bench" --convert "$work/in.wav" "$work/k.ogg"
+ours=$last_wall
 measure "oggenc -q 4 WAV -> ogg" oggenc -Q -q 4 -o "$work/o.ogg" "$work/in.wav"
+theirs=$last_wall
 measure "ffmpeg libvorbis -q:a 4 WAV -> ogg" ffmpeg -nostdin -v error -y -i "$work/in.wav" \
     -c:a libvorbis -q:a 4 "$work/f.ogg"
 measure "kelvaris mp3 -> ogg" "$bench" --convert "$work/in.mp3" "$work/k2.ogg"
 measure "ffmpeg libvorbis -q:a 4 mp3 -> ogg" ffmpeg -nostdin -v error -y -i "$work/in.mp3" \
     -c:a libvorbis -q:a 4 "$work/f2.ogg"
 ls -l "$work"/*.ogg | awk '{ printf "%-12s %10d bytes\n", $NF, $5 }' | sed "s|$work/||"
+awk -v o="$ours" -v t="$theirs" 'BEGIN { printf "RESULT music %.0f %.0f\n", o * 1000, t * 1000 }'

@@ -1,13 +1,18 @@
 #!/bin/sh
 # Wall time from starting "kelvaris -randomizer" to the chat client's start,
 # against a game folder whose library halves hold 1000 images each. The
-# client is a stand-in "wine" that notes the time it was started.
-# Usage: bench/randomizer_start.sh [build dir] [runs]. Run it inside a
-# display (xvfb-run -a sh bench/randomizer_start.sh) as a player would.
+# client is a stand-in "wine" that notes the time it was started. Beside it,
+# the floor: a bare Qt program that starts, copies one 4 MiB library entry
+# to two places a megabyte at a time and ends (bench_bare_start).
+# Usage: bench/randomizer_start.sh [build dir] [runs]. With today's refresh
+# done no display is needed. The last line is
+# "RESULT randomizer_start KELVARIS_MS FLOOR_MS" (medians).
 set -eu
 build=${1:-build-release}
 runs=${2:-20}
 kelvaris=$(cd "$build" && pwd)/src/kelvaris
+bare=$(cd "$build" && pwd)/bench/bench_bare_start
+[ -x "$bare" ] || { echo "no $bare: build the benchmarks first" >&2; exit 1; }
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -48,3 +53,16 @@ echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '
     { t[NR] = $1 }
     END { printf "randomizer start to client launch over %d runs: median %d ms, best %d ms, worst %d ms\n",
           NR, t[int((NR + 1) / 2)], t[1], t[NR] }'
+ours=$(echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+
+floors=""
+n=0
+while [ $n -lt "$runs" ]; do
+    start=$(date +%s%N)
+    "$bare" "$work/entry.dds" "$work/copy1.dds" "$work/copy2.dds"
+    floors="$floors $((($(date +%s%N) - start) / 1000000))"
+    n=$((n + 1))
+done
+floor=$(echo "$floors" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+echo "bare Qt program copying 4 MiB twice over $runs runs: median $floor ms"
+echo "RESULT randomizer_start $ours $floor"

@@ -10,7 +10,34 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QEvent>
 #include <QIcon>
+#include <QTimer>
+
+namespace {
+
+// Ends the program once the watched window has been painted for the first
+// time. Used to time the start (KELVARIS_EXIT_AFTER_FIRST_PAINT=1); not a
+// player's option.
+class ExitAfterFirstPaint : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && !painted_) {
+            painted_ = true;
+            // Once this paint and the flush of the window that follows it are done.
+            QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    bool painted_ = false;
+};
+
+} // namespace
 
 int main(int argc, char* argv[]) {
     QStringList arguments;
@@ -60,6 +87,9 @@ int main(int argc, char* argv[]) {
     form.Form_Load();
     if (form.IsUnloaded())
         return 0;
+    ExitAfterFirstPaint exitAfterFirstPaint;
+    if (qEnvironmentVariableIntValue("KELVARIS_EXIT_AFTER_FIRST_PAINT") == 1)
+        form.installEventFilter(&exitAfterFirstPaint);
     if (!form.RandomizerMode())
         form.show();
     return app.exec();

@@ -65,10 +65,16 @@ bool IsContainedRelative(const QString& relative) {
         return false;
     if (relative.size() >= 2 && relative[1] == u':') // a Windows drive
         return false;
-    const QStringList parts = QString(relative).replace(u'\\', u'/').split(u'/');
-    for (const QString& part : parts)
+    // No part between separators, "/" or a backslash, may be "." or "..".
+    qsizetype start = 0;
+    for (qsizetype i = 0; i <= relative.size(); ++i) {
+        if (i < relative.size() && relative[i] != u'/' && relative[i] != u'\\')
+            continue;
+        const QStringView part = QStringView(relative).sliced(start, i - start);
         if (part == u"." || part == u"..")
             return false;
+        start = i + 1;
+    }
     return true;
 }
 

@@ -20,9 +20,13 @@ bool IsTextureFolder(const QString& folder) {
            firstComponent.compare(QStringLiteral("texture_library"), Qt::CaseInsensitive) == 0;
 }
 
+bool IsSafeCatalogueFile(const QString& file) {
+    return IsContainedRelative(file) && IsStorableText(file) && !file.contains(u'/') &&
+           !file.contains(u'\\');
+}
+
 bool IsSafeCatalogueEntry(const QString& folder, const QString& file) {
-    return IsTextureFolder(folder) && IsContainedRelative(file) && IsStorableText(file) &&
-           !file.contains(u'/') && !file.contains(u'\\');
+    return IsTextureFolder(folder) && IsSafeCatalogueFile(file);
 }
 
 QString TextureSaveFolder(const QString& gameFolder, const QString& folder) {

@@ -38,6 +38,9 @@ bool IsSafeCatalogueEntry(const QString& folder, const QString& file);
 // The folder rule alone.
 bool IsTextureFolder(const QString& folder);
 
+// The file rule alone.
+bool IsSafeCatalogueFile(const QString& file);
+
 // The folder a texture of `folder` is written into: game folder, "/data/",
 // the folder and a final "/", with existing folders reused whatever their
 // letter case. "" when the folder is not below "data/texture_library".

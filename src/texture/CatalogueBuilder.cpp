@@ -30,11 +30,31 @@ struct FoundTexture {
     ArchiveEntry entry;
     QString folder;
     QString file;
+    QString key; // textureKey(folder, file)
 };
 
+// Name order without regard to letter case, then by the exact text. Plain
+// ASCII, by far the most common, is folded here; a name holding any other
+// character is left to Qt's case folding whole.
 bool lessByName(const QString& a, const QString& b) {
-    const int c = a.compare(b, Qt::CaseInsensitive);
-    return c != 0 ? c < 0 : a < b;
+    const QChar* x = a.constData();
+    const QChar* y = b.constData();
+    const qsizetype n = qMin(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        char16_t p = x[i].unicode();
+        char16_t q = y[i].unicode();
+        if (p >= 0x80 || q >= 0x80) {
+            const int c = a.compare(b, Qt::CaseInsensitive);
+            return c != 0 ? c < 0 : a < b;
+        }
+        if (p >= u'A' && p <= u'Z')
+            p += u'a' - u'A';
+        if (q >= u'A' && q <= u'Z')
+            q += u'a' - u'A';
+        if (p != q)
+            return p < q;
+    }
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
 // "texture_library/GUI/Icons" gives "GUI/Icons"; a folder elsewhere keeps
@@ -45,8 +65,48 @@ QString categoryName(const QString& folder) {
     return folder;
 }
 
+// Whether `text` is `ascii` without regard to letter case. ASCII letters
+// are folded here; a character outside ASCII leaves the answer to Qt.
+bool equalsNoCase(QStringView text, QStringView ascii) {
+    if (text.size() != ascii.size())
+        return false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        char16_t c = text[i].unicode();
+        char16_t a = ascii[i].unicode();
+        if (c >= 0x80)
+            return text.compare(ascii, Qt::CaseInsensitive) == 0;
+        if (c >= u'A' && c <= u'Z')
+            c += u'a' - u'A';
+        if (a >= u'A' && a <= u'Z')
+            a += u'a' - u'A';
+        if (c != a)
+            return false;
+    }
+    return true;
+}
+
+bool isInterfaceTexture(const QString& name) {
+    return name.size() >= kGuiPrefix.size() + kTextureSuffix.size() &&
+           equalsNoCase(QStringView(name).first(kGuiPrefix.size()), kGuiPrefix) &&
+           equalsNoCase(QStringView(name).last(kTextureSuffix.size()), kTextureSuffix);
+}
+
+// The text in lower case, as QString::toLower gives it; plain ASCII is
+// lowered here without Qt's tables.
+QString lowered(QString text) {
+    QChar* chars = text.data();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = chars[i].unicode();
+        if (c >= 0x80)
+            return std::move(text).toLower();
+        if (c >= u'A' && c <= u'Z')
+            chars[i] = QChar(char16_t(c + (u'a' - u'A')));
+    }
+    return text;
+}
+
 QString textureKey(const QString& folder, const QString& file) {
-    return (folder + u'/' + file).toLower();
+    return lowered(folder + u'/' + file);
 }
 
 // Collects the categories, keyed by lower-case folder, so names in mixed
@@ -58,16 +118,31 @@ public:
     }
     void Add(const CatalogueEntry& entry) {
         keys_.insert(textureKey(entry.folder, entry.file));
-        CatalogueCategory& category = categories_[entry.folder.toLower()];
-        if (category.name.isEmpty())
-            category.name = categoryName(entry.folder);
-        category.entries.append(entry);
+        AddEntry(CategoryOf(entry.folder), entry);
+    }
+    // Adds the entry alone, to the category CategoryOf gave for its folder;
+    // its key comes with SetKeys.
+    void AddEntry(qsizetype category, const CatalogueEntry& entry) {
+        categories_[category].entries.append(entry);
         ++textures_;
     }
+    // The place of the folder's category, made when it is new.
+    qsizetype CategoryOf(const QString& folder) {
+        const QString lower = lowered(folder);
+        qsizetype index = byFolder_.value(lower, -1);
+        if (index < 0) {
+            index = categories_.size();
+            categories_.append({categoryName(folder), {}});
+            byFolder_.insert(lower, index);
+        }
+        return index;
+    }
+    // The keys of every entry added with AddEntry, and of no other texture.
+    void SetKeys(QSet<QString> keys) { keys_ = std::move(keys); }
     int Textures() const { return textures_; }
 
-    QList<CatalogueCategory> Sorted() const {
-        QList<CatalogueCategory> list = categories_.values();
+    QList<CatalogueCategory> TakeSorted() {
+        QList<CatalogueCategory> list = std::move(categories_);
         std::sort(list.begin(), list.end(),
                   [](const auto& a, const auto& b) { return lessByName(a.name, b.name); });
         for (CatalogueCategory& category : list)
@@ -77,7 +152,8 @@ public:
     }
 
 private:
-    QHash<QString, CatalogueCategory> categories_;
+    QList<CatalogueCategory> categories_;
+    QHash<QString, qsizetype> byFolder_; // by lower-case folder
     QSet<QString> keys_;
     int textures_ = 0;
 };
@@ -88,19 +164,23 @@ public:
 
     // False when cancelled.
     bool Run();
-    const CategorySet& Found() const { return found_; }
+    CategorySet& Found() { return found_; }
     QStringList Problems() const { return problems_; }
     int Unreadable() const { return unreadable_; }
 
 private:
     bool readDirectories();
     bool readSizes();
+    qsizetype categoryOf(const QString& folder);
     void addTexture(const FoundTexture& texture, const QByteArray& start);
 
     QStringList archives_;
     BusyHost& host_;
     QList<FoundTexture> pending_;
     QSet<QString> keys_;
+    // The category of each folder, by the folder as written, or -1 when
+    // catalogue entries may not name it.
+    QHash<QString, qsizetype> folders_;
     CategorySet found_;
     QStringList problems_;
     int unreadable_ = 0;
@@ -117,68 +197,104 @@ bool Builder::readDirectories() {
         if (!directory.error.isEmpty())
             problems_.append(u'"' + archives_[a] + QStringLiteral("\" ") + directory.error);
         for (ArchiveEntry& entry : directory.entries) {
-            if (!entry.name.startsWith(kGuiPrefix, Qt::CaseInsensitive) ||
-                !entry.name.endsWith(kTextureSuffix, Qt::CaseInsensitive))
+            if (!isInterfaceTexture(entry.name))
                 continue;
             const qsizetype slash = entry.name.lastIndexOf(u'/');
-            FoundTexture texture{a, std::move(entry), QString(), QString()};
+            FoundTexture texture{a, std::move(entry), QString(), QString(), QString()};
             texture.folder = texture.entry.name.left(slash);
             texture.file = texture.entry.name.mid(slash + 1).chopped(kTextureSuffix.size());
-            const QString key = textureKey(texture.folder, texture.file);
-            if (keys_.contains(key))
-                continue; // the same texture in an earlier archive
-            keys_.insert(key);
+            // The same as textureKey(folder, file).
+            texture.key = lowered(texture.entry.name.chopped(kTextureSuffix.size()));
             pending_.append(std::move(texture));
         }
         host_.ShowProgress(a + 1, QString());
         if (host_.CancelRequested())
             return false;
     }
+    // A texture in more than one archive is taken from the first.
+    keys_.reserve(pending_.size());
+    qsizetype kept = 0;
+    for (qsizetype i = 0; i < pending_.size(); ++i) {
+        const qsizetype known = keys_.size();
+        keys_.insert(pending_[i].key);
+        if (keys_.size() == known)
+            continue;
+        if (kept != i)
+            pending_[kept] = std::move(pending_[i]);
+        ++kept;
+    }
+    pending_.resize(kept);
     return true;
+}
+
+// The archives hold a few folders for many textures, so each spelling of a
+// folder is judged and given its category once.
+qsizetype Builder::categoryOf(const QString& folder) {
+    const auto known = folders_.constFind(folder);
+    if (known != folders_.cend())
+        return *known;
+    const qsizetype category =
+        IsTextureFolder(folder) && IsCatalogueText(folder) ? found_.CategoryOf(folder) : -1;
+    folders_.insert(folder, category);
+    return category;
 }
 
 void Builder::addTexture(const FoundTexture& texture, const QByteArray& start) {
     CatalogueEntry entry{texture.file, 0, 0, texture.folder, texture.file};
-    if (!ReadTextureSize(start, entry.width, entry.height) || entry.width > kMaxCatalogueCount ||
-        entry.height > kMaxCatalogueCount || !IsSafeCatalogueEntry(entry.folder, entry.file) ||
-        !IsCatalogueText(entry.folder) || !IsCatalogueText(entry.file)) {
+    const bool usable = ReadTextureSize(start, entry.width, entry.height) &&
+                        entry.width <= kMaxCatalogueCount && entry.height <= kMaxCatalogueCount &&
+                        IsSafeCatalogueFile(entry.file) && IsCatalogueText(entry.file);
+    // Asked last: a folder's category is made with its first texture.
+    const qsizetype category = usable ? categoryOf(entry.folder) : -1;
+    if (category < 0) {
         ++unreadable_;
+        keys_.remove(texture.key);
         return;
     }
-    found_.Add(entry);
+    found_.AddEntry(category, entry);
 }
 
 bool Builder::readSizes() {
-    // In file order, so the disk is read front to back.
+    // In file order, so each archive is read front to back in one pass.
     std::sort(pending_.begin(), pending_.end(), [](const auto& a, const auto& b) {
         return a.archive != b.archive ? a.archive < b.archive : a.entry.offset < b.entry.offset;
     });
     host_.SetProgressMaximum(pending_.size());
     host_.ShowProgress(0,
                        QStringLiteral("Reading the sizes of %1 textures...").arg(pending_.size()));
-    QFile file;
-    for (qsizetype i = 0; i < pending_.size(); ++i) {
-        const FoundTexture& texture = pending_[i];
-        if (file.fileName() != archives_[texture.archive]) {
-            file.close();
-            if (!OpenRegularFile(file, archives_[texture.archive])) {
+    qsizetype first = 0;
+    while (first < pending_.size()) {
+        const int archive = pending_[first].archive;
+        QList<ArchiveEntry> entries;
+        for (qsizetype i = first; i < pending_.size() && pending_[i].archive == archive; ++i)
+            entries.append(pending_[i].entry);
+        QFile file;
+        const bool opened = OpenRegularFile(file, archives_[archive]);
+        ArchiveStartReader reader(file, std::move(entries));
+        for (qsizetype n = 0; n < reader.Count(); ++n) {
+            const qsizetype i = first + n;
+            if (!opened) {
                 ++unreadable_;
-                continue;
+                keys_.remove(pending_[i].key);
+            } else {
+                QString error;
+                // The 32-byte header first: it holds the size of most textures.
+                QByteArray start = reader.Start(n, int(TextureSizeBytesNeeded({})), error);
+                const qint64 needed = TextureSizeBytesNeeded(start);
+                if (error.isEmpty() && needed > start.size() && needed <= kMaxTextureStart &&
+                    needed <= reader.Entry(n).size)
+                    start = reader.Start(n, int(needed), error);
+                addTexture(pending_[i], start);
+            }
+            if ((i + 1) % kProgressStep == 0 || i + 1 == pending_.size()) {
+                host_.ShowProgress(long(i + 1), QString());
+                if (host_.CancelRequested())
+                    return false;
             }
         }
-        QString error;
-        QByteArray start = ReadArchiveEntryStart(file, texture.entry, kTextureStartBytes, error);
-        const qint64 needed = TextureSizeBytesNeeded(start);
-        if (error.isEmpty() && needed > start.size() && needed <= kMaxTextureStart &&
-            needed <= texture.entry.size)
-            start = ReadArchiveEntryStart(file, texture.entry, int(needed), error);
-        addTexture(texture, start);
-        if ((i + 1) % kProgressStep == 0 || i + 1 == pending_.size()) {
-            host_.ShowProgress(long(i + 1), QString());
-            if (host_.CancelRequested())
-                return false;
-        }
+        first += reader.Count();
     }
+    found_.SetKeys(std::move(keys_));
     return true;
 }
 
@@ -250,13 +366,13 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
     }
 
     // Textures the shipped catalogue knows but the archives lack keep their place.
-    CategorySet all = builder.Found();
+    CategorySet all = std::move(builder.Found());
     for (const CatalogueCategory& category : ReadCatalogue(ShippedCatalogueFile()).categories)
         for (const CatalogueEntry& entry : category.entries)
             if (!all.Contains(entry))
                 all.Add(entry);
 
-    QList<CatalogueCategory> categories = all.Sorted();
+    QList<CatalogueCategory> categories = all.TakeSorted();
     const int dropped = FitCatalogueCounts(categories);
     const QString error = WriteCatalogue(UserCatalogueFile(), categories);
     if (!error.isEmpty())

@@ -5,12 +5,36 @@
 
 #include <QDir>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 
 namespace {
 
-QByteArray quoted(const QString& text) {
-    return '"' + text.toUtf8() + '"';
+// Appends the text in double quotes, as UTF-8; plain ASCII, which nearly
+// every name is, is copied without a conversion of its own.
+void appendQuoted(QByteArray& bytes, const QString& text) {
+    bytes += '"';
+    const QChar* chars = text.constData();
+    const qsizetype size = text.size();
+    qsizetype ascii = 0;
+    while (ascii < size && chars[ascii].unicode() < 0x80)
+        ++ascii;
+    if (ascii == size) {
+        const qsizetype at = bytes.size();
+        bytes.resize(at + size);
+        char* out = bytes.data() + at;
+        for (qsizetype i = 0; i < size; ++i)
+            out[i] = char(chars[i].unicode());
+    } else {
+        bytes += text.toUtf8();
+    }
+    bytes += '"';
+}
+
+void appendNumber(QByteArray& bytes, qsizetype value) {
+    char digits[24];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    bytes.append(digits, end - digits);
 }
 
 bool isSize(int value) {
@@ -54,13 +78,30 @@ QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& 
     if (!problem.isEmpty())
         return QStringLiteral("The texture catalogue \"%1\" was not written: %2")
             .arg(fileName, problem);
-    QByteArray text = QByteArray::number(categories.size()) + "\r\n";
+    qsizetype textures = 0;
+    for (const CatalogueCategory& category : categories)
+        textures += category.entries.size();
+    QByteArray text;
+    text.reserve(64 + 64 * categories.size() + 160 * textures);
+    appendNumber(text, categories.size());
+    text += "\r\n";
     for (const CatalogueCategory& category : categories) {
-        text += quoted(category.name) + ',' + QByteArray::number(category.entries.size()) + "\r\n";
-        for (const CatalogueEntry& entry : category.entries)
-            text += quoted(entry.name) + ',' + QByteArray::number(entry.width) + ',' +
-                    QByteArray::number(entry.height) + ',' + quoted(entry.folder) + ',' +
-                    quoted(entry.file) + "\r\n";
+        appendQuoted(text, category.name);
+        text += ',';
+        appendNumber(text, category.entries.size());
+        text += "\r\n";
+        for (const CatalogueEntry& entry : category.entries) {
+            appendQuoted(text, entry.name);
+            text += ',';
+            appendNumber(text, entry.width);
+            text += ',';
+            appendNumber(text, entry.height);
+            text += ',';
+            appendQuoted(text, entry.folder);
+            text += ',';
+            appendQuoted(text, entry.file);
+            text += "\r\n";
+        }
     }
     QDir().mkpath(ReturnPath(fileName));
     if (!WriteFileAtomically(fileName, text))

@@ -17,8 +17,18 @@ constexpr int kMinNameRowBytes = 5;
 // hostile (or enormous) file from making Kelvaris read hundreds of megabytes.
 constexpr qint64 kMaxDirectoryBytes = 64 * 1024 * 1024;
 constexpr qint64 kMaxNameTableBytes = 64 * 1024 * 1024;
-// Compressed data is read in pieces of this size while inflating.
-constexpr qint64 kInflateChunk = 1024;
+// Entries' starts are read in windows of at most this many bytes, taking in
+// every entry that lies no further than kGapBytes past the one before; a
+// wider gap is skipped by a seek. About this much of each entry is planned
+// for: a texture's header, compressed or not, fits in it.
+constexpr qint64 kWindowBytes = 1024 * 1024;
+constexpr qint64 kGapBytes = 64 * 1024;
+constexpr qint64 kPlannedEntryBytes = 2048;
+// How far ahead a window looks for entries to take in.
+constexpr qsizetype kMaxPlannedEntries = 4096;
+// Compressed data that runs past the planned bytes is read in pieces of this
+// size while inflating.
+constexpr qint64 kInflateChunk = 16 * 1024;
 
 quint32 u32At(const QByteArray& bytes, qint64 at) {
     return qFromLittleEndian<quint32>(bytes.constData() + at);
@@ -34,6 +44,10 @@ QByteArray readAt(QIODevice& device, qint64 at, qint64 count) {
         return {};
     QByteArray bytes = device.read(count);
     return bytes.size() == count ? bytes : QByteArray();
+}
+
+quint32 storedBytes(const ArchiveEntry& entry) {
+    return entry.compressedSize != 0 ? entry.compressedSize : entry.size;
 }
 
 ArchiveDirectory failure(const QString& problem) {
@@ -136,8 +150,7 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
         entry.size = u32At(directory, at + 8);
         entry.offset = u32At(directory, at + 16);
         entry.compressedSize = u32At(directory, at + 44);
-        const quint32 stored = entry.compressedSize != 0 ? entry.compressedSize : entry.size;
-        if (qint64(entry.offset) + stored > fileSize)
+        if (qint64(entry.offset) + storedBytes(entry) > fileSize)
             return failure(QStringLiteral("is damaged: the data of \"%1\" runs past the end of "
                                           "the file.")
                                .arg(entry.name));
@@ -148,46 +161,140 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
 
 QByteArray ReadArchiveEntryStart(QIODevice& device, const ArchiveEntry& entry, int maxBytes,
                                  QString& error) {
-    const qint64 wanted = qMin<qint64>(qMax(maxBytes, 0), entry.size);
-    if (wanted == 0)
-        return {};
-    if (entry.compressedSize == 0) {
-        QByteArray bytes = readAt(device, entry.offset, wanted);
-        if (bytes.isEmpty())
-            error = QStringLiteral("\"%1\" could not be read.").arg(entry.name);
-        return bytes;
+    ArchiveStartReader reader(device, {entry});
+    return reader.Start(0, maxBytes, error);
+}
+
+struct ArchiveStartReader::State {
+    State(QIODevice& device, QList<ArchiveEntry> entries)
+        : device(device), entries(std::move(entries)) {}
+    ~State() {
+        if (streamReady)
+            inflateEnd(&stream);
     }
-    if (!device.seek(entry.offset)) {
-        error = QStringLiteral("\"%1\" could not be read.").arg(entry.name);
-        return {};
-    }
+
+    QByteArrayView bytes(qint64 at, qint64 count);
+    QByteArray inflateStart(qsizetype index, qint64 wanted, QString& error);
+
+    QIODevice& device;
+    const QList<ArchiveEntry> entries;
+    qsizetype current = 0; // the entry being read; the next read plans from it
+    QByteArray window;     // the file's bytes from windowStart on
+    qint64 windowStart = 0;
     z_stream stream{};
-    if (inflateInit(&stream) != Z_OK) {
-        error = QStringLiteral("\"%1\" could not be inflated.").arg(entry.name);
-        return {};
-    }
-    QByteArray out(wanted, Qt::Uninitialized);
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = uInt(wanted);
-    qint64 left = entry.compressedSize;
+    bool streamReady = false;
+    // The entry the stream is inflating (-1 for none), what it gave so far,
+    // and where its unread compressed data starts.
+    qsizetype inflating = -1;
+    QByteArray inflated;
+    qint64 inputAt = 0;
+    qint64 inputLeft = 0;
     int status = Z_OK;
-    while (stream.avail_out > 0 && status == Z_OK && left > 0) {
-        const QByteArray chunk = device.read(qMin(left, kInflateChunk));
-        if (chunk.isEmpty())
+};
+
+// Up to `count` bytes of the file from `at`, fewer only where the file ends
+// or cannot be read. When the window does not hold them, it is filled afresh
+// from `at`, taking in the entries that follow while they lie close.
+QByteArrayView ArchiveStartReader::State::bytes(qint64 at, qint64 count) {
+    if (at >= windowStart && at + count <= windowStart + window.size())
+        return QByteArrayView(window).sliced(at - windowStart, count);
+    qint64 end = at + count;
+    const qsizetype last = qMin(entries.size(), current + 1 + kMaxPlannedEntries);
+    for (qsizetype j = current + 1; j < last; ++j) {
+        const ArchiveEntry& next = entries[j];
+        const qint64 from = next.offset;
+        const qint64 to = from + qMin<qint64>(storedBytes(next), kPlannedEntryBytes);
+        if (from < at)
+            continue; // shares bytes with an earlier entry
+        if (from > end + kGapBytes || to - at > kWindowBytes)
             break;
-        left -= chunk.size();
-        stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(chunk.constData()));
-        stream.avail_in = uInt(chunk.size());
-        while (stream.avail_in > 0 && stream.avail_out > 0 && status == Z_OK)
-            status = inflate(&stream, Z_NO_FLUSH);
+        end = qMax(end, to);
     }
-    const qint64 produced = wanted - stream.avail_out;
-    inflateEnd(&stream);
-    if (status == Z_BUF_ERROR && stream.avail_out == 0)
-        status = Z_OK; // the output is full, which is all that was asked
-    if ((status != Z_OK && status != Z_STREAM_END) || produced < wanted) {
+    windowStart = at;
+    window.resize(end - at);
+    qint64 got = device.seek(at) ? device.read(window.data(), end - at) : -1;
+    window.resize(qMax<qint64>(got, 0));
+    return QByteArrayView(window).first(qMin<qint64>(count, window.size()));
+}
+
+// The entry's stream is kept open after its first bytes, so asking for more
+// of the same entry next goes on from where it stopped.
+QByteArray ArchiveStartReader::State::inflateStart(qsizetype index, qint64 wanted, QString& error) {
+    const ArchiveEntry& entry = entries[index];
+    if (inflating != index) {
+        inflating = -1;
+        const bool ready =
+            streamReady ? inflateReset(&stream) == Z_OK : inflateInit(&stream) == Z_OK;
+        streamReady = streamReady || ready;
+        if (!ready) {
+            error = QStringLiteral("\"%1\" could not be inflated.").arg(entry.name);
+            return {};
+        }
+        inflating = index;
+        inflated.clear();
+        inputAt = entry.offset;
+        inputLeft = entry.compressedSize;
+        status = Z_OK;
+    }
+    if (inflated.size() < wanted) {
+        const qint64 had = inflated.size();
+        inflated.resize(wanted);
+        stream.next_out = reinterpret_cast<Bytef*>(inflated.data() + had);
+        stream.avail_out = uInt(wanted - had);
+        qint64 piece = had == 0 ? kPlannedEntryBytes : kInflateChunk;
+        while (stream.avail_out > 0 && status == Z_OK && inputLeft > 0) {
+            const QByteArrayView chunk = bytes(inputAt, qMin(inputLeft, piece));
+            if (chunk.isEmpty())
+                break;
+            stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(chunk.data()));
+            stream.avail_in = uInt(chunk.size());
+            while (stream.avail_in > 0 && stream.avail_out > 0 && status == Z_OK)
+                status = inflate(&stream, Z_NO_FLUSH);
+            // What the stream left unread is read again when it goes on.
+            const qint64 used = chunk.size() - stream.avail_in;
+            inputAt += used;
+            inputLeft -= used;
+            piece = kInflateChunk;
+        }
+        stream.next_in = nullptr;
+        stream.avail_in = 0;
+        inflated.resize(wanted - stream.avail_out);
+        if (status == Z_BUF_ERROR && stream.avail_out == 0)
+            status = Z_OK; // the output is full, which is all that was asked
+    }
+    if ((status != Z_OK && status != Z_STREAM_END) || inflated.size() < wanted) {
+        inflating = -1;
         error = QStringLiteral("\"%1\" is damaged: its compressed data is broken.").arg(entry.name);
         return {};
     }
-    return out;
+    return inflated.left(wanted);
+}
+
+ArchiveStartReader::ArchiveStartReader(QIODevice& device, QList<ArchiveEntry> entries)
+    : state_(std::make_unique<State>(device, std::move(entries))) {}
+
+ArchiveStartReader::~ArchiveStartReader() = default;
+
+qsizetype ArchiveStartReader::Count() const {
+    return state_->entries.size();
+}
+
+const ArchiveEntry& ArchiveStartReader::Entry(qsizetype index) const {
+    return state_->entries[index];
+}
+
+QByteArray ArchiveStartReader::Start(qsizetype index, int maxBytes, QString& error) {
+    const ArchiveEntry& entry = state_->entries[index];
+    const qint64 wanted = qMin<qint64>(qMax(maxBytes, 0), entry.size);
+    if (wanted == 0)
+        return {};
+    state_->current = index;
+    if (entry.compressedSize != 0)
+        return state_->inflateStart(index, wanted, error);
+    const QByteArrayView bytes = state_->bytes(entry.offset, wanted);
+    if (bytes.size() != wanted) {
+        error = QStringLiteral("\"%1\" could not be read.").arg(entry.name);
+        return {};
+    }
+    return bytes.toByteArray();
 }

@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <QList>
 #include <QString>
+#include <memory>
 
 // The game's archive files (".pigg"): a header, a directory of entries, a
 // table of entry names and the entries' data, little-endian throughout. Only
@@ -35,3 +36,27 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device);
 // that needs is read. On error returns an empty array and sets `error`.
 QByteArray ReadArchiveEntryStart(QIODevice& device, const ArchiveEntry& entry, int maxBytes,
                                  QString& error);
+
+// Reads the first bytes of many entries of one archive, front to back:
+// entries lying close together come in one large read, and one zlib stream,
+// reset between entries, inflates them all. Asking for the entries in order
+// of their offset keeps the reads sequential; any order gives the same bytes.
+class ArchiveStartReader {
+public:
+    // `entries` are the ones that will be asked for, in order of offset.
+    ArchiveStartReader(QIODevice& device, QList<ArchiveEntry> entries);
+    ~ArchiveStartReader();
+    ArchiveStartReader(const ArchiveStartReader&) = delete;
+    ArchiveStartReader& operator=(const ArchiveStartReader&) = delete;
+
+    qsizetype Count() const;
+    const ArchiveEntry& Entry(qsizetype index) const;
+
+    // The first `maxBytes` bytes of entry `index`, as ReadArchiveEntryStart
+    // gives them.
+    QByteArray Start(qsizetype index, int maxBytes, QString& error);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};

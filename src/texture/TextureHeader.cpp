@@ -14,7 +14,8 @@ quint32 u32At(const QByteArray& bytes, qint64 at) {
 }
 
 bool hasMark(const QByteArray& start) {
-    return start.size() >= kHeaderBytes && start[28] == '\0' && start.mid(29, 3) == "TX2";
+    return start.size() >= kHeaderBytes && start[28] == '\0' &&
+           QByteArrayView(start).sliced(29, 3) == "TX2";
 }
 
 bool toSize(quint32 value, int& size) {
@@ -42,7 +43,7 @@ bool ReadTextureSize(const QByteArray& start, int& width, int& height) {
             return false;
     } else {
         const qint64 dds = u32At(start, 0);
-        if (dds + kDdsWidth + 4 > start.size() || start.mid(dds, 4) != "DDS ")
+        if (dds + kDdsWidth + 4 > start.size() || QByteArrayView(start).sliced(dds, 4) != "DDS ")
             return false;
         if (!toSize(u32At(start, dds + kDdsWidth), w) || !toSize(u32At(start, dds + kDdsHeight), h))
             return false;
