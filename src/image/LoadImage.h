@@ -1,11 +1,14 @@
 #pragma once
 
+#include "cDIBSection.h"
+
 #include <QString>
 #include <functional>
+#include <future>
+#include <optional>
 
 class BusyHost;
 class UiServices;
-class cDIBSection;
 
 // Called by LoadImage, between its progress steps, with the freshly
 // resampled picture: the Screens tab makes and paints its previews here.
@@ -18,6 +21,20 @@ using PreviewMaker = std::function<void(const cDIBSection& image)>;
 // as it was.
 bool LoadImage(const QString& FileName, cDIBSection& dibDest, long ImageWidth, long ImageHeight,
                BusyHost& busy, UiServices& ui, const PreviewMaker& makePreviews = {});
+
+// The work of LoadImage that needs no window: the picture file decoded and
+// resampled to ImageWidth x ImageHeight; nothing when it could not be
+// decoded. Safe on any thread.
+std::optional<cDIBSection> PreparePicture(const QString& FileName, long ImageWidth,
+                                          long ImageHeight);
+
+// A picture being prepared on another thread.
+using PendingPicture = std::future<std::optional<cDIBSection>>;
+
+// LoadImage for a picture prepared elsewhere: the same busy state, message
+// and previews, the window kept answering while the picture is awaited.
+bool LoadPreparedImage(const QString& FileName, PendingPicture& pending, cDIBSection& dibDest,
+                       BusyHost& busy, UiServices& ui, const PreviewMaker& makePreviews = {});
 
 // The Screens tab's previews are 180 rows high and as wide as the game's
 // screen is in proportion (rounded, halves to even), 10 to 425 pixels;

@@ -2,6 +2,7 @@
 
 #include "LibraryFolder.h"
 #include "RandomFile.h"
+#include "app/BusyHost.h"
 #include "app/PathUtils.h"
 #include "app/UiServices.h"
 #include "app/modRegistry.h"
@@ -13,6 +14,12 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
+#include <QThreadPool>
+#include <algorithm>
+#include <deque>
+#include <future>
+#include <memory>
 
 namespace {
 
@@ -22,11 +29,70 @@ const LibraryHalfInfo kHalves[] = {
      "RandomHC"},
 };
 
-bool load(const LibraryAdd& add, const QString& FileName, bool last, BusyHost& busy,
-          UiServices& ui) {
-    if (add.load)
-        return add.load(FileName, last);
-    return LoadImage(FileName, *add.image, kScreenWidth, kScreenHeight, busy, ui);
+// The pictures a folder add keeps in hand at most, per thread preparing
+// them: enough that a thread never waits for the writes, few enough that a
+// large folder is never held in memory.
+constexpr int kPicturesPerWorker = 2;
+
+int workerCount(const LibraryAdd& add) {
+    return add.workers > 0 ? add.workers : std::max(1, QThread::idealThreadCount());
+}
+
+int addOneByOne(const LibraryAdd& add, const QString& Folder, const QStringList& names,
+                const TextureContext& context, BusyHost& busy, UiServices& ui) {
+    const qsizetype count = names.size();
+    int added = 0;
+    for (qsizetype i = 0; i < count && !busy.CancelRequested(); ++i) {
+        const QString path = Folder + u'/' + names[i];
+        if (add.step)
+            add.step(i + 1, count, path);
+        const PreviewMaker previews = i + 1 == count ? add.lastPreviews : PreviewMaker();
+        if (LoadImage(path, *add.image, kScreenWidth, kScreenHeight, busy, ui, previews) &&
+            !busy.CancelRequested() && WriteLibraryEntry(add, names[i], context, busy, ui))
+            ++added;
+    }
+    return added;
+}
+
+// As addOneByOne, with the decoding and resampling done ahead on a pool of
+// threads; the loading (messages, previews) and writing stay here, in order,
+// so what the player sees and what is written are the same.
+int addTogether(const LibraryAdd& add, const QString& Folder, const QStringList& names, int workers,
+                const TextureContext& context, BusyHost& busy, UiServices& ui) {
+    QThreadPool pool;
+    pool.setMaxThreadCount(workers);
+    const qsizetype count = names.size();
+    const qsizetype window = qsizetype(workers) * kPicturesPerWorker;
+    std::deque<PendingPicture> pending; // the pictures from the next one on
+    qsizetype queued = 0;
+    auto queueUpTo = [&](qsizetype end) {
+        for (; queued < std::min(end, count); ++queued) {
+            auto task = std::make_shared<std::packaged_task<std::optional<cDIBSection>()>>(
+                [path = QString(Folder + u'/' + names[queued])] {
+                    return PreparePicture(path, kScreenWidth, kScreenHeight);
+                });
+            pending.push_back(task->get_future());
+            pool.start([task] { (*task)(); });
+        }
+    };
+
+    int added = 0;
+    for (qsizetype i = 0; i < count && !busy.CancelRequested(); ++i) {
+        queueUpTo(i + window);
+        const QString path = Folder + u'/' + names[i];
+        if (add.step)
+            add.step(i + 1, count, path);
+        PendingPicture picture = std::move(pending.front());
+        pending.pop_front();
+        const PreviewMaker previews = i + 1 == count ? add.lastPreviews : PreviewMaker();
+        if (LoadPreparedImage(path, picture, *add.image, busy, ui, previews) &&
+            !busy.CancelRequested() && WriteLibraryEntry(add, names[i], context, busy, ui))
+            ++added;
+    }
+    // Pictures not begun are dropped; those under way are waited for.
+    pool.clear();
+    pool.waitForDone();
+    return added;
 }
 
 } // namespace
@@ -64,7 +130,8 @@ bool AddPictureToLibrary(const LibraryAdd& add, const QString& PictureFile,
                          const TextureContext& context, BusyHost& busy, UiServices& ui) {
     // The name as the folder has it, so the library entry matches the file.
     const QFileInfo file(ResolveExistingCase(PictureFile));
-    if (!file.isFile() || !load(add, file.filePath(), true, busy, ui))
+    if (!file.isFile() || !LoadImage(file.filePath(), *add.image, kScreenWidth, kScreenHeight, busy,
+                                     ui, add.lastPreviews))
         return false;
     return WriteLibraryEntry(add, file.fileName(), context, busy, ui);
 }
@@ -75,17 +142,10 @@ int AddFolderToLibrary(const LibraryAdd& add, const QString& Folder, const Textu
     if (pictures.reachedLimit)
         ui.Message(QStringLiteral("Kelvaris will only process the first 1000 images."),
                    MsgIcon::None);
-    const qsizetype count = pictures.names.size();
-    int added = 0;
-    for (qsizetype i = 0; i < count; ++i) {
-        if (add.step)
-            add.step(i + 1, count);
-        const QString& name = pictures.names[i];
-        if (load(add, Folder + u'/' + name, i + 1 == count, busy, ui) &&
-            WriteLibraryEntry(add, name, context, busy, ui))
-            ++added;
-    }
-    return added;
+    const int workers = workerCount(add);
+    if (workers == 1 || pictures.names.size() < 2)
+        return addOneByOne(add, Folder, pictures.names, context, busy, ui);
+    return addTogether(add, Folder, pictures.names, workers, context, busy, ui);
 }
 
 QStringList ListLibrary(const QString& gameFolder, LibraryHalf half) {
