@@ -26,12 +26,12 @@ inline std::uint8_t ClampByte(double v) {
     return static_cast<std::uint8_t>(std::clamp(v, 0.0, 255.0));
 }
 
-// Where each byte of a new row takes its two neighbours in the blended
-// source row, and how much of each: the same for every row, so worked out
-// once.
+// Where each new pixel takes its left and right neighbours in the blended
+// source row (the index of their blue), and how much of each: the same for
+// every row, so worked out once.
 struct Columns {
-    std::vector<std::int32_t> left;
-    std::vector<std::int32_t> right;
+    std::vector<long> left;
+    std::vector<long> right;
     std::vector<double> leftWeight;
     std::vector<double> rightWeight;
     long sourcePixels = 0; // the source columns any new pixel samples
@@ -44,26 +44,22 @@ Columns columnsFor(long sourceWidth, long newWidth) {
     // neighbour, which is clamped to the edge).
     const double xScale = double(sourceWidth - 1) / double(newWidth);
     Columns columns;
-    const std::size_t bytes = static_cast<std::size_t>(newWidth) * 3;
-    columns.left.resize(bytes);
-    columns.right.resize(bytes);
-    columns.leftWeight.resize(bytes);
-    columns.rightWeight.resize(bytes);
+    const std::size_t pixels = static_cast<std::size_t>(newWidth);
+    columns.left.resize(pixels);
+    columns.right.resize(pixels);
+    columns.leftWeight.resize(pixels);
+    columns.rightWeight.resize(pixels);
     long lastColumn = 0;
     for (long x = 0; x < newWidth; ++x) {
         const double fx = x * xScale;
         const double ix = std::floor(fx);
         const double tx = fx - ix;
-        const double ux = 1 - tx;
         const long left = static_cast<long>(ix);
         const long right = std::min(left + 1, sourceWidth - 1);
-        for (int c = 0; c < 3; ++c) {
-            const std::size_t at = static_cast<std::size_t>(x) * 3 + c;
-            columns.left[at] = static_cast<std::int32_t>(left * 3 + c);
-            columns.right[at] = static_cast<std::int32_t>(right * 3 + c);
-            columns.leftWeight[at] = ux;
-            columns.rightWeight[at] = tx;
-        }
+        columns.left[x] = left * 3;
+        columns.right[x] = right * 3;
+        columns.leftWeight[x] = 1 - tx;
+        columns.rightWeight[x] = tx;
         lastColumn = std::max(lastColumn, right);
     }
     columns.sourcePixels = lastColumn + 1;
@@ -86,18 +82,34 @@ void blendRowsScalar(const std::uint8_t* row0, const std::uint8_t* row1, int pix
 }
 
 // The horizontal step: each new byte from its two blended neighbours.
-void spreadRowScalar(const double* blended, const Columns& columns, long from, long bytes,
+void spreadRowScalar(const double* blended, const Columns& columns, long from, long pixels,
                      std::uint8_t* dest) {
-    for (long k = from; k < bytes; ++k)
-        dest[k] = ClampByte(RoundEven(columns.leftWeight[k] * blended[columns.left[k]] +
-                                      columns.rightWeight[k] * blended[columns.right[k]]));
+    for (long x = from; x < pixels; ++x) {
+        const double ux = columns.leftWeight[x];
+        const double tx = columns.rightWeight[x];
+        const double* left = blended + columns.left[x];
+        const double* right = blended + columns.right[x];
+        for (int c = 0; c < 3; ++c)
+            dest[x * 3 + c] = ClampByte(RoundEven(ux * left[c] + tx * right[c]));
+    }
 }
 
 #ifdef KELVARIS_BILINEAR_X86
 
-// Four bytes widened to four doubles.
-__attribute__((target("avx2"))) inline __m256d widen(__m128i bytes) {
-    return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(bytes));
+// Bytes spread one to each 64-bit lane become doubles exactly by taking
+// them as the low mantissa bits of 2^52 and taking 2^52 away: no converting
+// instruction, which would compete with the shuffles.
+__attribute__((target("avx2"))) inline __m256d toDoubles(__m256i lanes) {
+    const __m256i exponent = _mm256_set1_epi64x(0x4330000000000000);
+    const __m256d twoTo52 = _mm256_set1_pd(4503599627370496.0);
+    return _mm256_sub_pd(_mm256_castsi256_pd(_mm256_or_si256(lanes, exponent)), twoTo52);
+}
+
+// The four bytes at `at` as four doubles.
+__attribute__((target("avx2"))) inline __m256d fourBytes(const std::uint8_t* at) {
+    std::int32_t bytes;
+    std::memcpy(&bytes, at, 4);
+    return toDoubles(_mm256_cvtepu8_epi64(_mm_cvtsi32_si128(bytes)));
 }
 
 // u x a + t x b, rounded half to even: the same two products, one sum and
@@ -116,70 +128,71 @@ __attribute__((target("avx2"))) void blendRowsAvx2(const std::uint8_t* row0,
     if (pixelBytes == 3) {
         const long bytes = pixels * 3;
         long b = 0;
-        for (; b + 4 <= bytes; b += 4) {
-            std::int32_t low, high;
-            std::memcpy(&low, row0 + b, 4);
-            std::memcpy(&high, row1 + b, 4);
-            _mm256_storeu_pd(out + b, blend(u, widen(_mm_cvtsi32_si128(low)), t,
-                                            widen(_mm_cvtsi32_si128(high))));
-        }
+        for (; b + 4 <= bytes; b += 4)
+            _mm256_storeu_pd(out + b, blend(u, fourBytes(row0 + b), t, fourBytes(row1 + b)));
         for (; b < bytes; ++b)
             out[b] = RoundEven(uy * row0[b] + ty * row1[b]);
         return;
     }
-    // Four 4-byte pixels at a time: their twelve colour bytes gathered to the
-    // front of the register, the fourth bytes dropped.
-    const __m128i colours = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    // Four 4-byte pixels at a time, read into both halves of a register: each
+    // shuffle takes four of their twelve colour bytes into 64-bit lanes, the
+    // fourth bytes left out.
+    const __m256i first =
+        _mm256_setr_epi8(0, -1, -1, -1, -1, -1, -1, -1, 1, -1, -1, -1, -1, -1, -1, -1, //
+                         2, -1, -1, -1, -1, -1, -1, -1, 4, -1, -1, -1, -1, -1, -1, -1);
+    const __m256i second =
+        _mm256_setr_epi8(5, -1, -1, -1, -1, -1, -1, -1, 6, -1, -1, -1, -1, -1, -1, -1, //
+                         8, -1, -1, -1, -1, -1, -1, -1, 9, -1, -1, -1, -1, -1, -1, -1);
+    const __m256i third =
+        _mm256_setr_epi8(10, -1, -1, -1, -1, -1, -1, -1, 12, -1, -1, -1, -1, -1, -1, -1, //
+                         13, -1, -1, -1, -1, -1, -1, -1, 14, -1, -1, -1, -1, -1, -1, -1);
     long p = 0;
     for (; p + 4 <= pixels; p += 4) {
-        const __m128i low = _mm_shuffle_epi8(
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(row0 + p * 4)), colours);
-        const __m128i high = _mm_shuffle_epi8(
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(row1 + p * 4)), colours);
+        const __m256i low = _mm256_broadcastsi128_si256(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(row0 + p * 4)));
+        const __m256i high = _mm256_broadcastsi128_si256(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(row1 + p * 4)));
         double* into = out + p * 3;
-        _mm256_storeu_pd(into, blend(u, widen(low), t, widen(high)));
-        _mm256_storeu_pd(
-            into + 4, blend(u, widen(_mm_srli_si128(low, 4)), t, widen(_mm_srli_si128(high, 4))));
-        _mm256_storeu_pd(
-            into + 8, blend(u, widen(_mm_srli_si128(low, 8)), t, widen(_mm_srli_si128(high, 8))));
+        int part = 0;
+        for (const __m256i& pick : {first, second, third})
+            _mm256_storeu_pd(into + 4 * part++,
+                             blend(u, toDoubles(_mm256_shuffle_epi8(low, pick)), t,
+                                   toDoubles(_mm256_shuffle_epi8(high, pick))));
     }
     for (; p < pixels; ++p)
         for (int c = 0; c < 3; ++c)
             out[p * 3 + c] = RoundEven(uy * row0[p * 4 + c] + ty * row1[p * 4 + c]);
 }
 
-// Four blended values by their indices. (The masked form with every lane
-// on: the plain one leaves its unused source undefined, which some
-// compilers warn about.)
-__attribute__((target("avx2"))) inline __m256d fetch(const double* blended,
-                                                     const std::int32_t* at) {
-    const __m128i indices = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const __m256d all = _mm256_castsi256_pd(_mm256_set1_epi64x(-1));
-    return _mm256_mask_i32gather_pd(_mm256_setzero_pd(), blended, indices, all, 8);
+// One new pixel: its two neighbours' blue, green and red (and a fourth
+// value, not used) blended, as whole numbers.
+__attribute__((target("avx2"))) inline __m128i spreadPixel(const double* blended,
+                                                           const Columns& columns, long x) {
+    return _mm256_cvttpd_epi32(blend(
+        _mm256_broadcast_sd(&columns.leftWeight[x]), _mm256_loadu_pd(blended + columns.left[x]),
+        _mm256_broadcast_sd(&columns.rightWeight[x]), _mm256_loadu_pd(blended + columns.right[x])));
 }
 
-// Four new bytes from k on: both neighbours fetched, blended and limited to
-// 0..255, as whole numbers.
-__attribute__((target("avx2"))) inline __m128i spreadFour(const double* blended,
-                                                          const Columns& columns, long k) {
-    const __m256d value =
-        blend(_mm256_loadu_pd(&columns.leftWeight[k]), fetch(blended, &columns.left[k]),
-              _mm256_loadu_pd(&columns.rightWeight[k]), fetch(blended, &columns.right[k]));
-    const __m256d limited =
-        _mm256_min_pd(_mm256_max_pd(value, _mm256_setzero_pd()), _mm256_set1_pd(255.0));
-    return _mm256_cvttpd_epi32(limited);
-}
-
-// Eight new bytes at a time, the rest of the row one by one.
+// Four new pixels at a time, narrowed to bytes and their twelve colour bytes
+// stored; the rest of the row one by one. The narrowing saturates, which
+// limits a value to 0..255 just as ClampByte does for anything a blend of
+// bytes can come to.
 __attribute__((target("avx2"))) void spreadRowAvx2(const double* blended, const Columns& columns,
-                                                   long bytes, std::uint8_t* dest) {
-    long k = 0;
-    for (; k + 8 <= bytes; k += 8) {
-        const __m128i words =
-            _mm_packus_epi32(spreadFour(blended, columns, k), spreadFour(blended, columns, k + 4));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(dest + k), _mm_packus_epi16(words, words));
+                                                   long pixels, std::uint8_t* dest) {
+    const __m128i colours = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    long x = 0;
+    for (; x + 4 <= pixels; x += 4) {
+        const __m128i first = _mm_packus_epi32(spreadPixel(blended, columns, x),
+                                               spreadPixel(blended, columns, x + 1));
+        const __m128i second = _mm_packus_epi32(spreadPixel(blended, columns, x + 2),
+                                                spreadPixel(blended, columns, x + 3));
+        const __m128i bytes = _mm_shuffle_epi8(_mm_packus_epi16(first, second), colours);
+        std::uint8_t* into = dest + x * 3;
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(into), bytes);
+        const std::int32_t last = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));
+        std::memcpy(into + 8, &last, 4);
     }
-    spreadRowScalar(blended, columns, k, bytes, dest);
+    spreadRowScalar(blended, columns, x, pixels, dest);
 }
 
 #endif
@@ -206,12 +219,13 @@ BilinearKernel BestBilinearKernel() {
 void ResampleBilinear(const PixelRows& source, const PixelTarget& target, BilinearKernel kernel) {
     static_cast<void>(kernel); // only one kernel where there is no vector one
     const Columns columns = columnsFor(source.width, target.width);
-    const long bytes = target.width * 3;
     const double yScale = double(source.height - 1) / double(target.height);
 
     // Each source column's vertical blend, rounded, is shared by every new
     // pixel that samples it, so each row blends every column once.
-    std::vector<double> blended(static_cast<std::size_t>(columns.sourcePixels) * 3);
+    // The vector step reads each neighbour as four values, blue, green, red
+    // and the next one: the row ends with one more, left zero.
+    std::vector<double> blended(static_cast<std::size_t>(columns.sourcePixels) * 3 + 1);
     for (long y = 0; y < target.height; ++y) {
         const double fy = y * yScale;
         const double iy = std::floor(fy);
@@ -224,12 +238,12 @@ void ResampleBilinear(const PixelRows& source, const PixelTarget& target, Biline
         if (kernel == BilinearKernel::Avx2) {
             blendRowsAvx2(row0, row1, source.pixelBytes, columns.sourcePixels, uy, ty,
                           blended.data());
-            spreadRowAvx2(blended.data(), columns, bytes, target.Row(y));
+            spreadRowAvx2(blended.data(), columns, target.width, target.Row(y));
             continue;
         }
 #endif
         blendRowsScalar(row0, row1, source.pixelBytes, columns.sourcePixels, uy, ty,
                         blended.data());
-        spreadRowScalar(blended.data(), columns, 0, bytes, target.Row(y));
+        spreadRowScalar(blended.data(), columns, 0, target.width, target.Row(y));
     }
 }

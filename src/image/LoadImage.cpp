@@ -79,14 +79,19 @@ std::optional<cDIBSection> PreparePicture(const QString& FileName, long ImageWid
     return resampled;
 }
 
-bool LoadPreparedImage(const QString& FileName, PendingPicture& pending, cDIBSection& dibDest,
-                       BusyHost& busy, UiServices& ui, const PreviewMaker& makePreviews) {
-    const QString name = FileNamePart(FileName);
-    enterLoading(name, busy);
+std::optional<cDIBSection> AwaitPreparedImage(const QString& FileName, PendingPicture& pending,
+                                              BusyHost& busy) {
+    enterLoading(FileNamePart(FileName), busy);
     // Window events go on being handled while the picture is finished.
     while (pending.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
         busy.ShowProgress(0, QString());
-    std::optional<cDIBSection> picture = pending.get();
+    return pending.get();
+}
+
+bool FinishPreparedImage(const QString& FileName, std::optional<cDIBSection> picture,
+                         cDIBSection& dibDest, BusyHost& busy, UiServices& ui,
+                         const PreviewMaker& makePreviews) {
+    const QString name = FileNamePart(FileName);
     if (picture)
         busy.ShowProgress(4, resamplingText(name));
     return finishLoad(name, std::move(picture), dibDest, busy, ui, makePreviews);

@@ -31,10 +31,16 @@ std::optional<cDIBSection> PreparePicture(const QString& FileName, long ImageWid
 // A picture being prepared on another thread.
 using PendingPicture = std::future<std::optional<cDIBSection>>;
 
-// LoadImage for a picture prepared elsewhere: the same busy state, message
-// and previews, the window kept answering while the picture is awaited.
-bool LoadPreparedImage(const QString& FileName, PendingPicture& pending, cDIBSection& dibDest,
-                       BusyHost& busy, UiServices& ui, const PreviewMaker& makePreviews = {});
+// LoadImage for a picture prepared elsewhere, in two halves. The first
+// enters the same busy state and waits for the picture, the window kept
+// answering; the second hands it over with the same progress, previews and
+// message, and leaves the busy state. Between them the caller may settle
+// what must come before the message.
+std::optional<cDIBSection> AwaitPreparedImage(const QString& FileName, PendingPicture& pending,
+                                              BusyHost& busy);
+bool FinishPreparedImage(const QString& FileName, std::optional<cDIBSection> picture,
+                         cDIBSection& dibDest, BusyHost& busy, UiServices& ui,
+                         const PreviewMaker& makePreviews = {});
 
 // The Screens tab's previews are 180 rows high and as wide as the game's
 // screen is in proportion (rounded, halves to even), 10 to 425 pixels;

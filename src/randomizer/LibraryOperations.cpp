@@ -29,6 +29,15 @@ const LibraryHalfInfo kHalves[] = {
      "RandomHC"},
 };
 
+// WriteLibraryEntry without its message.
+bool writeEntry(const LibraryAdd& add, const QString& FileName, const TextureContext& context,
+                BusyHost& busy, UiServices& ui) {
+    const auto picture = add.frameFile.isEmpty() ? add.image : ApplyFrame(add.frameFile, add.image);
+    return WriteTexture(TextureRequest::LibraryEntry(LibraryFolderOf(context.gameFolder, add.half),
+                                                     FileName, *picture),
+                        context, busy, ui);
+}
+
 // The pictures a folder add keeps in hand at most, per thread preparing
 // them: enough that a thread never waits for the writes, few enough that a
 // large folder is never held in memory.
@@ -54,9 +63,64 @@ int addOneByOne(const LibraryAdd& add, const QString& Folder, const QStringList&
     return added;
 }
 
+// Library entries written but not yet in place: each is flushed to the disk
+// on a thread of its own, a few at once, and renamed into place here in the
+// order they were written. A failure is told when its entry's turn comes.
+class EntryCommits {
+public:
+    explicit EntryCommits(UiServices& ui) : ui_(ui) { flushers_.setMaxThreadCount(kFlushesAtOnce); }
+    ~EntryCommits() { Settle(true); }
+    EntryCommits(const EntryCommits&) = delete;
+    EntryCommits& operator=(const EntryCommits&) = delete;
+
+    void Add(FileRecord&& output) {
+        auto record = std::make_shared<FileRecord>(std::move(output));
+        auto flush =
+            std::make_shared<std::packaged_task<void()>>([record] { FlushFileRecord(*record); });
+        pending_.push_back({record, flush->get_future()});
+        flushers_.start([flush] { (*flush)(); });
+        while (qsizetype(pending_.size()) > kFlushesAtOnce)
+            settleFirst();
+    }
+
+    // Puts in place the entries whose flush has ended, oldest first; with
+    // `all`, every entry, waiting for their flushes.
+    void Settle(bool all) {
+        while (!pending_.empty() && (all || pending_.front().flushed.wait_for(std::chrono::seconds(
+                                                0)) == std::future_status::ready))
+            settleFirst();
+    }
+
+    int Added() const { return added_; }
+
+private:
+    static constexpr int kFlushesAtOnce = 4;
+
+    struct Entry {
+        std::shared_ptr<FileRecord> record;
+        std::future<void> flushed;
+    };
+
+    void settleFirst() {
+        Entry entry = std::move(pending_.front());
+        pending_.pop_front();
+        entry.flushed.wait();
+        if (CommitFileRecord(*entry.record))
+            ++added_;
+        else
+            ui_.Message(WriteErrorText(), MsgIcon::Exclamation);
+    }
+
+    UiServices& ui_;
+    QThreadPool flushers_;
+    std::deque<Entry> pending_;
+    int added_ = 0;
+};
+
 // As addOneByOne, with the decoding and resampling done ahead on a pool of
-// threads; the loading (messages, previews) and writing stay here, in order,
-// so what the player sees and what is written are the same.
+// threads and the entries flushed to the disk alongside; the loading
+// (messages, previews), writing and renaming stay here, in the folder's
+// order, so what the player sees and what is written are the same.
 int addTogether(const LibraryAdd& add, const QString& Folder, const QStringList& names, int workers,
                 const TextureContext& context, BusyHost& busy, UiServices& ui) {
     QThreadPool pool;
@@ -76,23 +140,42 @@ int addTogether(const LibraryAdd& add, const QString& Folder, const QStringList&
         }
     };
 
+    // The compressor's messages come from inside the write: with it, each
+    // entry is committed there and then, so nothing is told out of order.
+    EntryCommits commits(ui);
+    TextureContext handingOver = context;
+    if (!context.compress)
+        handingOver.handOver = [&commits](FileRecord&& output) { commits.Add(std::move(output)); };
+
     int added = 0;
     for (qsizetype i = 0; i < count && !busy.CancelRequested(); ++i) {
         queueUpTo(i + window);
         const QString path = Folder + u'/' + names[i];
         if (add.step)
             add.step(i + 1, count, path);
-        PendingPicture picture = std::move(pending.front());
+        PendingPicture next = std::move(pending.front());
         pending.pop_front();
+        std::optional<cDIBSection> picture = AwaitPreparedImage(path, next, busy);
+        if (!picture)
+            commits.Settle(true); // earlier entries' failures are told first
         const PreviewMaker previews = i + 1 == count ? add.lastPreviews : PreviewMaker();
-        if (LoadPreparedImage(path, picture, *add.image, busy, ui, previews) &&
-            !busy.CancelRequested() && WriteLibraryEntry(add, names[i], context, busy, ui))
+        if (!FinishPreparedImage(path, std::move(picture), *add.image, busy, ui, previews) ||
+            busy.CancelRequested())
+            continue;
+        if (!writeEntry(add, names[i], handingOver, busy, ui)) {
+            commits.Settle(true);
+            ui.Message(WriteErrorText(), MsgIcon::Exclamation);
+        } else if (!handingOver.handOver) {
             ++added;
+        }
+        commits.Settle(false);
     }
-    // Pictures not begun are dropped; those under way are waited for.
+    // Pictures not begun are dropped; those under way are waited for. The
+    // entries already written are put in place.
     pool.clear();
     pool.waitForDone();
-    return added;
+    commits.Settle(true);
+    return added + commits.Added();
 }
 
 } // namespace
@@ -116,11 +199,7 @@ QString LibraryFolderOf(const QString& gameFolder, LibraryHalf half) {
 
 bool WriteLibraryEntry(const LibraryAdd& add, const QString& FileName,
                        const TextureContext& context, BusyHost& busy, UiServices& ui) {
-    const auto picture = add.frameFile.isEmpty() ? add.image : ApplyFrame(add.frameFile, add.image);
-    const bool written =
-        WriteTexture(TextureRequest::LibraryEntry(LibraryFolderOf(context.gameFolder, add.half),
-                                                  FileName, *picture),
-                     context, busy, ui);
+    const bool written = writeEntry(add, FileName, context, busy, ui);
     if (!written)
         ui.Message(WriteErrorText(), MsgIcon::Exclamation);
     return written;
