@@ -34,9 +34,9 @@ struct PixelTarget {
 };
 
 // The arithmetic is the same double-precision sums rounded half to even
-// whichever way it runs; the vector form only does four of them at once, so
-// both give the same bytes.
-enum class BilinearKernel { Scalar, Avx2 };
+// whichever way it runs; the vector forms only do four (AVX2) or, in the
+// vertical step, eight (AVX-512) of them at once, so all give the same bytes.
+enum class BilinearKernel { Scalar, Avx2, Avx512 };
 
 // The fastest kernel this processor runs.
 BilinearKernel BestBilinearKernel();
