@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <string>
 #include <utility>
@@ -62,11 +63,20 @@ bool CompareBenchmarks(const std::string& name, const std::string& base) {
 // The picture decoders are Qt plugins: they need an application object.
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
+    // The ratios are added to the console's report only: another format
+    // (--benchmark_format=csv for the comparison scripts) stays as it is.
+    bool console = true;
+    for (int i = 1; i < argc; ++i)
+        if (std::strncmp(argv[i], "--benchmark_format=", 19) == 0)
+            console = std::strcmp(argv[i] + 19, "console") == 0;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
+    if (console)
+        benchmark::RunSpecifiedBenchmarks(&reporter);
+    else
+        benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;
 }
