@@ -196,17 +196,16 @@ __attribute__((target("avx2"))) void spreadRowAvx2(const double* blended, const 
 }
 
 // The vertical step eight values at a time, where the processor has
-// AVX-512 (with its byte shuffles): the same arithmetic again. (The zeroing
-// forms of the widening, broadcast and lane shuffle, with every lane on, spare some
-// compilers' warnings about the plain forms' undefined sources.)
-__attribute__((target("avx512f,avx512bw"))) inline __m512d toDoubles512(__m512i lanes) {
-    const __m512i exponent = _mm512_set1_epi64(0x4330000000000000);
-    const __m512d twoTo52 = _mm512_set1_pd(4503599627370496.0);
-    return _mm512_sub_pd(_mm512_castsi512_pd(_mm512_or_si512(lanes, exponent)), twoTo52);
+// AVX-512 (with its byte shuffles and 64-bit integer conversions): the same
+// arithmetic again. (The zeroing forms of the widening, broadcast and lane
+// shuffle, with every lane on, spare some compilers' warnings about the
+// plain forms' undefined sources.)
+__attribute__((target("avx512f,avx512bw,avx512dq"))) inline __m512d toDoubles512(__m512i lanes) {
+    return _mm512_cvtepi64_pd(lanes);
 }
 
-__attribute__((target("avx512f,avx512bw"))) inline __m512d blend512(__m512d u, __m512d a, __m512d t,
-                                                                    __m512d b) {
+__attribute__((target("avx512f,avx512bw,avx512dq"))) inline __m512d blend512(__m512d u, __m512d a,
+                                                                             __m512d t, __m512d b) {
     const __m512d shift = _mm512_set1_pd(kRoundShift);
     const __m512d sum = _mm512_add_pd(_mm512_mul_pd(u, a), _mm512_mul_pd(t, b));
     return _mm512_sub_pd(_mm512_add_pd(sum, shift), shift);
@@ -219,10 +218,9 @@ constexpr long long pick(int index) {
 }
 
 // Eight 4-byte pixels' colour bytes in three registers, by the three masks.
-__attribute__((target("avx512f,avx512bw"))) inline void colourLanes(const std::uint8_t* pixels,
-                                                                    __m512i first, __m512i second,
-                                                                    __m512i third,
-                                                                    __m512i (&into)[3]) {
+__attribute__((target("avx512f,avx512bw,avx512dq"))) inline void
+colourLanes(const std::uint8_t* pixels, __m512i first, __m512i second, __m512i third,
+            __m512i (&into)[3]) {
     const __m512i c0 = _mm512_maskz_broadcast_i32x4(
         0xFFFF, _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)));
     const __m512i c1 = _mm512_maskz_broadcast_i32x4(
@@ -232,7 +230,7 @@ __attribute__((target("avx512f,avx512bw"))) inline void colourLanes(const std::u
     into[2] = _mm512_shuffle_epi8(c1, third);
 }
 
-__attribute__((target("avx512f,avx512bw"))) void
+__attribute__((target("avx512f,avx512bw,avx512dq"))) void
 blendRowsAvx512(const std::uint8_t* row0, const std::uint8_t* row1, int pixelBytes, long pixels,
                 double uy, double ty, double* out) {
     const __m512d u = _mm512_set1_pd(uy);
@@ -286,7 +284,7 @@ bool BilinearKernelRuns(BilinearKernel kernel) {
     __builtin_cpu_init();
     if (kernel == BilinearKernel::Avx512)
         return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("avx512f") &&
-               __builtin_cpu_supports("avx512bw");
+               __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq");
     return __builtin_cpu_supports("avx2");
 #else
     return false;
