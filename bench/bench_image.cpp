@@ -23,6 +23,17 @@ void BM_Resample(benchmark::State& state) {
 }
 BENCHMARK(BM_Resample)->Unit(benchmark::kMillisecond);
 
+// The same from the decoded picture's own rows, as a load does it.
+void BM_ResampleDecoded(benchmark::State& state) {
+    const QImage picture = DecodePicture(BenchJpeg());
+    for (auto _ : state) {
+        cDIBSection resampled;
+        resampled.CreateResampled(picture, 768, 1024);
+        benchmark::DoNotOptimize(resampled.DIBSectionBitsPtr());
+    }
+}
+BENCHMARK(BM_ResampleDecoded)->Unit(benchmark::kMillisecond);
+
 // Decoding alone.
 void BM_DecodeJpeg(benchmark::State& state) {
     const QString path = BenchJpeg();

@@ -1,15 +1,14 @@
 #include "BenchPictures.h"
 #include "app/BusyHost.h"
-#include "image/LoadImage.h"
 #include "image/cDIBSection.h"
-#include "randomizer/LibraryFolder.h"
+#include "randomizer/LibraryOperations.h"
 #include "randomizer/RunRandomizer.h"
-#include "texture/ScreenTargets.h"
 #include "texture/TextureWriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <benchmark/benchmark.h>
+#include <memory>
 
 namespace {
 
@@ -27,31 +26,31 @@ QString pictureFolder() {
     return folder;
 }
 
-// Adding a whole folder to the login library, as the Randomizer tab does:
+// Adding a whole folder to the login library as the Randomizer tab does:
 // each picture decoded, resampled to 1024 x 768 and written as an
-// uncompressed 1024 x 1024 DDS. Reported as images per second.
+// uncompressed 1024 x 1024 DDS. The argument is the number of threads
+// preparing pictures: 1 for one picture after the other, 0 for one per core.
+// Reported as images per second.
 void BM_AddFolderToLibrary(benchmark::State& state) {
     const QString folder = pictureFolder();
     TextureContext context;
     context.gameFolder = BenchFolder() + QStringLiteral("/game");
     context.workFolder = BenchFolder() + QStringLiteral("/work");
     QDir().mkpath(context.workFolder);
-    const QString library = context.gameFolder + QStringLiteral("/Kelvaris/RandomHL/");
     HeadlessBusy busy;
     SilentUi ui;
-    cDIBSection image;
+    LibraryAdd add;
+    add.image = std::make_shared<cDIBSection>();
+    add.workers = int(state.range(0));
     for (auto _ : state) {
-        const FolderPictures pictures = ListFolderPictures(folder);
-        for (const QString& name : pictures.names) {
-            if (!LoadImage(folder + u'/' + name, image, kScreenWidth, kScreenHeight, busy, ui) ||
-                !WriteTexture(TextureRequest::LibraryEntry(library, name, image), context, busy,
-                              ui))
-                state.SkipWithError("a library image was not written");
-        }
+        if (AddFolderToLibrary(add, folder, context, busy, ui) != kFolderPictures)
+            state.SkipWithError("a library image was not written");
     }
     state.SetItemsProcessed(state.iterations() * kFolderPictures);
 }
-BENCHMARK(BM_AddFolderToLibrary)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_AddFolderToLibrary)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime();
+[[maybe_unused]] const bool kParallelCompared =
+    CompareBenchmarks("BM_AddFolderToLibrary/1/real_time", "BM_AddFolderToLibrary/0/real_time");
 
 // The randomizer run against a 1000-entry library: listing, the picks, the
 // two 4 MB textures and the client start (recorded, not run).

@@ -148,9 +148,8 @@ bool CommitFileRecord(FileRecord& record) {
         return false;
     const QByteArray temporary = QFile::encodeName(record.FileName);
     const QByteArray target = QFile::encodeName(record.FinalName);
-    // A disk that fills up may only say so when the data reach it.
-    if (::fdatasync(record.Handle) != 0)
-        record.Failed = true;
+    if (!record.Flushed)
+        FlushFileRecord(record);
     CloseFileRecord(record);
     if (record.Failed || target.isEmpty() ||
         ::rename(temporary.constData(), target.constData()) != 0) {
@@ -161,6 +160,13 @@ bool CommitFileRecord(FileRecord& record) {
     }
     record.FinalName.clear();
     return true;
+}
+
+void FlushFileRecord(FileRecord& record) {
+    // A disk that fills up may only say so when the data reach it.
+    if (record.Handle != -1 && ::fdatasync(record.Handle) != 0)
+        record.Failed = true;
+    record.Flushed = true;
 }
 
 void DiscardFileRecord(FileRecord& record) {

@@ -18,6 +18,8 @@ struct FileRecord {
     // A write failed or moved fewer bytes than asked; such a record is never
     // renamed into place.
     bool Failed = false;
+    // FlushFileRecord has already run.
+    bool Flushed = false;
 };
 
 // The access, sharing and creation values the callers pass, as the Windows
@@ -56,6 +58,11 @@ FileRecord OpenReplacingFileRecord(const QString& FileName);
 // the close succeeded, renames it into place. False (and the new file
 // removed, the old one kept) otherwise.
 bool CommitFileRecord(FileRecord& record);
+
+// The slow part of CommitFileRecord, flushing the file to the disk (a
+// failure marks the record Failed). It may run on another thread while
+// nothing else uses the record; CommitFileRecord then does not flush again.
+void FlushFileRecord(FileRecord& record);
 
 // Closes the file and removes it if it was to replace another.
 void DiscardFileRecord(FileRecord& record);

@@ -1,5 +1,7 @@
 #include "cDIBSection.h"
 
+#include "Bilinear.h"
+
 #include <QFile>
 #include <QImage>
 #include <algorithm>
@@ -24,6 +26,21 @@ inline std::uint8_t ClampByte(double v) {
     return static_cast<std::uint8_t>(std::clamp(v, 0.0, 255.0));
 }
 
+PixelRows rowsOf(const cDIBSection& dib) {
+    return {dib.Row(0), dib.BytesPerScanLine(), 3, dib.Width(), dib.Height()};
+}
+
+PixelTarget targetOf(cDIBSection& dib) {
+    return {dib.Row(0), dib.BytesPerScanLine(), dib.Width(), dib.Height()};
+}
+
+// Whether a picture's 32-bit pixels lie in memory as blue, green, red and
+// alpha bytes, so their rows can be read as they are.
+bool isBgraInMemory(QImage::Format format) {
+    return Q_BYTE_ORDER == Q_LITTLE_ENDIAN &&
+           (format == QImage::Format_RGB32 || format == QImage::Format_ARGB32);
+}
+
 void PutLE16(char* at, std::uint16_t v) {
     at[0] = char(v & 0xFF);
     at[1] = char(v >> 8);
@@ -37,6 +54,13 @@ void PutLE32(char* at, std::uint32_t v) {
 } // namespace
 
 bool cDIBSection::Create(long lWidth, long lHeight) {
+    if (!Allocate(lWidth, lHeight))
+        return false;
+    std::fill(bits_.begin(), bits_.end(), std::uint8_t(0));
+    return true;
+}
+
+bool cDIBSection::Allocate(long lWidth, long lHeight) {
     ClearUp();
     if (lWidth <= 0 || lHeight <= 0)
         return false;
@@ -44,7 +68,7 @@ bool cDIBSection::Create(long lWidth, long lHeight) {
     if (lWidth > kMaxImageBytes / 3 || bytes > kMaxImageBytes)
         return false;
     try {
-        bits_.assign(static_cast<std::size_t>(bytes), 0);
+        bits_.resize(static_cast<std::size_t>(bytes));
     } catch (const std::bad_alloc&) {
         bits_.clear();
         return false;
@@ -54,8 +78,17 @@ bool cDIBSection::Create(long lWidth, long lHeight) {
     return true;
 }
 
+void cDIBSection::ClearPadding() {
+    const long used = width_ * 3;
+    const long padding = BytesPerScanLine() - used;
+    if (padding == 0)
+        return;
+    for (long y = 0; y < height_; ++y)
+        std::memset(Row(y) + used, 0, static_cast<std::size_t>(padding));
+}
+
 void cDIBSection::ClearUp() {
-    std::vector<std::uint8_t>().swap(bits_);
+    decltype(bits_)().swap(bits_);
     width_ = 0;
     height_ = 0;
 }
@@ -67,27 +100,66 @@ bool cDIBSection::CreateFromPicture(const QImage& picThis) {
     }
     // Decoders mostly give 32-bit pixels: those are taken over directly
     // (alpha dropped), anything else is converted first.
-    const QImage::Format format = picThis.format();
-    if (format == QImage::Format_RGB32 || format == QImage::Format_ARGB32) {
-        if (!Create(picThis.width(), picThis.height()))
+    if (isBgraInMemory(picThis.format())) {
+        if (!Allocate(picThis.width(), picThis.height()))
             return false;
         for (long y = 0; y < height_; ++y) {
-            const auto* from = reinterpret_cast<const QRgb*>(picThis.constScanLine(int(y)));
+            const std::uint8_t* from = picThis.constScanLine(int(y));
             std::uint8_t* to = Row(height_ - 1 - y);
-            for (long x = 0; x < width_; ++x, to += 3) {
-                to[0] = std::uint8_t(qBlue(from[x]));
-                to[1] = std::uint8_t(qGreen(from[x]));
-                to[2] = std::uint8_t(qRed(from[x]));
+            for (long x = 0; x < width_; ++x, to += 3, from += 4) {
+                to[0] = from[0];
+                to[1] = from[1];
+                to[2] = from[2];
             }
         }
+        ClearPadding();
         return true;
     }
     const QImage bgr = picThis.convertToFormat(QImage::Format_BGR888);
-    if (bgr.isNull() || !Create(bgr.width(), bgr.height()))
+    if (bgr.isNull() || !Allocate(bgr.width(), bgr.height()))
         return false;
     const std::size_t rowBytes = static_cast<std::size_t>(width_) * 3;
     for (long y = 0; y < height_; ++y)
         std::memcpy(Row(height_ - 1 - y), bgr.constScanLine(int(y)), rowBytes);
+    ClearPadding();
+    return true;
+}
+
+bool cDIBSection::CreateResampled(const QImage& picThis, long lNewHeight, long lNewWidth) {
+    if (picThis.isNull()) {
+        ClearUp();
+        return false;
+    }
+    const long width = picThis.width();
+    const long height = picThis.height();
+    if (width == lNewWidth && height == lNewHeight)
+        return CreateFromPicture(picThis);
+    // A picture too large to be a bitmap is refused as CreateFromPicture
+    // would refuse it.
+    if (width > kMaxImageBytes / 3 ||
+        static_cast<long long>(BytesPerScanLineFor(width)) * height > kMaxImageBytes) {
+        ClearUp();
+        return false;
+    }
+    QImage converted;
+    const QImage* source = &picThis;
+    int pixelBytes = 4;
+    if (!isBgraInMemory(picThis.format())) {
+        converted = picThis.convertToFormat(QImage::Format_BGR888);
+        if (converted.isNull()) {
+            ClearUp();
+            return false;
+        }
+        source = &converted;
+        pixelBytes = 3;
+    }
+    if (!Allocate(lNewWidth, lNewHeight))
+        return false;
+    // The picture is stored top row first: its bottom row is the last.
+    const PixelRows rows{source->constScanLine(int(height - 1)), -source->bytesPerLine(),
+                         pixelBytes, width, height};
+    ResampleBilinear(rows, targetOf(*this));
+    ClearPadding();
     return true;
 }
 
@@ -100,63 +172,21 @@ void cDIBSection::LoadPictureBlt(const cDIBSection& source) {
 
 std::optional<cDIBSection> cDIBSection::Resample(long lNewHeight, long lNewWidth) const {
     cDIBSection out;
-    if (!out.Create(lNewWidth, lNewHeight))
-        return std::nullopt;
     if (lNewWidth == width_ && lNewHeight == height_) {
-        out.LoadPictureBlt(*this);
+        if (!out.Allocate(lNewWidth, lNewHeight))
+            return std::nullopt;
+        std::copy(bits_.begin(), bits_.end(), out.bits_.begin());
         return out;
     }
-    if (IsEmpty())
+    if (IsEmpty()) {
+        if (!out.Create(lNewWidth, lNewHeight))
+            return std::nullopt;
         return out;
-
-    // The divisors are the new sizes, not the new sizes minus one: the last
-    // new pixel maps a little short of the last source pixel, so the right
-    // and upper neighbours exist (a source one pixel wide or high has weight
-    // 0 on the missing neighbour, which is clamped to the edge).
-    const double xScale = double(width_ - 1) / double(lNewWidth);
-    const double yScale = double(height_ - 1) / double(lNewHeight);
-
-    // The column positions are the same for every row: work them out once.
-    std::vector<long> leftByte(lNewWidth), rightByte(lNewWidth);
-    std::vector<double> weight(lNewWidth);
-    long lastColumn = 0;
-    for (long x = 0; x < lNewWidth; ++x) {
-        const double fx = x * xScale;
-        const double ix = std::floor(fx);
-        weight[x] = fx - ix;
-        const long left = static_cast<long>(ix);
-        const long right = std::min(left + 1, width_ - 1);
-        leftByte[x] = left * 3;
-        rightByte[x] = right * 3;
-        lastColumn = std::max(lastColumn, right);
     }
-
-    // Each source column's vertical blend, rounded, is shared by every new
-    // pixel that samples it, so each row blends every column once.
-    std::vector<double> blended(static_cast<std::size_t>(lastColumn + 1) * 3);
-    const long blendBytes = static_cast<long>(blended.size());
-    for (long y = 0; y < lNewHeight; ++y) {
-        const double fy = y * yScale;
-        const double iy = std::floor(fy);
-        const double ty = fy - iy;
-        const double uy = 1 - ty;
-        const long below = static_cast<long>(iy);
-        const std::uint8_t* row0 = Row(below);
-        const std::uint8_t* row1 = Row(std::min(below + 1, height_ - 1));
-        for (long b = 0; b < blendBytes; ++b)
-            blended[b] = RoundEven(uy * row0[b] + ty * row1[b]);
-
-        std::uint8_t* dest = out.Row(y);
-        for (long x = 0; x < lNewWidth; ++x) {
-            const double tx = weight[x];
-            const double ux = 1 - tx;
-            const double* left = blended.data() + leftByte[x];
-            const double* right = blended.data() + rightByte[x];
-            for (int c = 0; c < 3; ++c)
-                dest[c] = ClampByte(RoundEven(ux * left[c] + tx * right[c]));
-            dest += 3;
-        }
-    }
+    if (!out.Allocate(lNewWidth, lNewHeight))
+        return std::nullopt;
+    ResampleBilinear(rowsOf(*this), targetOf(out));
+    out.ClearPadding();
     return out;
 }
 

@@ -2,10 +2,25 @@
 
 #include <QString>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class QImage;
+
+// Hands out memory whose bytes are left as they come, unless a value is
+// given: pixel memory about to be written in full is not cleared first.
+template <class T> struct UnclearedAllocator : std::allocator<T> {
+    using value_type = T;
+    UnclearedAllocator() = default;
+    template <class U> UnclearedAllocator(const UnclearedAllocator<U>&) noexcept {}
+    template <class U> void construct(U* at) noexcept { ::new (static_cast<void*>(at)) U; }
+    template <class U, class... Args> void construct(U* at, Args&&... args) {
+        ::new (static_cast<void*>(at)) U(std::forward<Args>(args)...);
+    }
+};
 
 // Why SavePicture failed: error 17, raised by "<program>.cDIBSection", with
 // the operating system's text for the failure.
@@ -29,6 +44,12 @@ public:
     // Takes over a decoded picture at its own size. False when the bitmap
     // cannot be made.
     bool CreateFromPicture(const QImage& picThis);
+
+    // Takes over a decoded picture resampled to lNewWidth x lNewHeight
+    // (height first), reading the picture's own rows: the same pixels as
+    // CreateFromPicture followed by Resample, without the full-size bitmap
+    // between. False when the picture or the new size cannot be made.
+    bool CreateResampled(const QImage& picThis, long lNewHeight, long lNewWidth);
 
     // Copies another bitmap's pixels in at (0, 0), as far as both reach.
     void LoadPictureBlt(const cDIBSection& source);
@@ -67,7 +88,13 @@ public:
     static constexpr long long kMaxImageBytes = 512LL * 1024 * 1024;
 
 private:
+    // As Create, but the pixels are left unset: for a bitmap about to be
+    // written in full.
+    bool Allocate(long lWidth, long lHeight);
+    // Zeroes the bytes that pad each row to a multiple of 4.
+    void ClearPadding();
+
     long width_ = 0;
     long height_ = 0;
-    std::vector<std::uint8_t> bits_;
+    std::vector<std::uint8_t, UnclearedAllocator<std::uint8_t>> bits_;
 };

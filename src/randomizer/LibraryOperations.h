@@ -1,5 +1,7 @@
 #pragma once
 
+#include "image/LoadImage.h"
+
 #include <QImage>
 #include <QString>
 #include <QStringList>
@@ -8,7 +10,6 @@
 
 class BusyHost;
 class UiServices;
-class cDIBSection;
 struct ScreenTarget;
 struct TextureContext;
 
@@ -38,11 +39,15 @@ struct LibraryAdd {
     QString frameFile; // a frame laid over each picture; "" for none
     // Where each picture is loaded, at the screen size.
     std::shared_ptr<cDIBSection> image;
-    // Loads one picture into `image`; `last` is set for the last of a folder.
-    // By default the picture is loaded at the screen size and nothing else.
-    std::function<bool(const QString& FileName, bool last)> load;
-    // Told before each picture of a folder: the tab shows "Image i of n".
-    std::function<void(qsizetype i, qsizetype n)> step;
+    // Given the last picture of a folder once it is loaded, to make previews
+    // of it (the Screens tab shows the last picture added).
+    PreviewMaker lastPreviews;
+    // Told before each picture of a folder, with its file: the tab shows
+    // "Image i of n".
+    std::function<void(qsizetype i, qsizetype n, const QString& FileName)> step;
+    // How many pictures of a folder are decoded and resampled at once: 0 for
+    // one per processor core, 1 for one after the other.
+    int workers = 0;
 };
 
 // Writes the picture now in `add.image`, framed as asked, as the library
@@ -57,7 +62,10 @@ bool AddPictureToLibrary(const LibraryAdd& add, const QString& PictureFile,
 
 // Adds the pictures of a folder in the order it lists them, at most 1000
 // (the player is told when there are more); a picture that cannot be loaded
-// is reported and passed over. Returns how many were added.
+// is reported and passed over. Pictures are decoded and resampled ahead on
+// `add.workers` threads, a few at a time, and still loaded, reported and
+// written one by one in the folder's order. A cancel request stops the
+// batch before the next picture is written. Returns how many were added.
 int AddFolderToLibrary(const LibraryAdd& add, const QString& Folder, const TextureContext& context,
                        BusyHost& busy, UiServices& ui);
 

@@ -176,11 +176,9 @@ void RandomizerTab::save(LibraryHalf half) {
     QPushButton* button = buttonFor(half);
     LibraryAdd add = libraryAdd(half);
     QString last;
-    add.load = [this, &last](const QString& FileName, bool lastOne) {
+    add.lastPreviews = screens_.ScreenPreviewMaker();
+    add.step = [button, &last](qsizetype i, qsizetype n, const QString& FileName) {
         last = FileName;
-        return screens_.LoadScreenImage(FileName, lastOne);
-    };
-    add.step = [button](qsizetype i, qsizetype n) {
         button->setText(QStringLiteral("Image %1 of %2").arg(i).arg(n));
     };
     AddFolderToLibrary(add, folder, host_.TextureWriteContext(), host_.Busy(), host_.Ui());

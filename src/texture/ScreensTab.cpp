@@ -84,8 +84,8 @@ void ScreensTab::scrBrowse_Click() {
     host_.UpdateButtons();
 }
 
-bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
-    auto makePreviews = [this](const cDIBSection& image) {
+PreviewMaker ScreensTab::ScreenPreviewMaker() {
+    return [this](const cDIBSection& image) {
         images_.previewWidth = PreviewWidth(host_.ScreenWidthText(), host_.ScreenHeightText());
         images_.previewLeft = (scrPreview_->width() - images_.previewWidth) / 2;
         auto preview = image.Resample(kPreviewHeight, images_.previewWidth);
@@ -95,8 +95,11 @@ bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
         images_.previewShown = 0;
         paintPreview();
     };
+}
+
+bool ScreensTab::LoadScreenImage(const QString& FileName, bool DoPreviews) {
     if (!LoadImage(FileName, *images_.screenImage, kScreenWidth, kScreenHeight, host_.Busy(),
-                   host_.Ui(), DoPreviews ? PreviewMaker(makePreviews) : PreviewMaker()))
+                   host_.Ui(), DoPreviews ? ScreenPreviewMaker() : PreviewMaker()))
         return false;
     if (DoPreviews)
         UpdatePreviews();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "image/LoadImage.h"
+
 #include <QWidget>
 
 struct ScreenTarget;
@@ -27,6 +29,9 @@ public:
     // DoPreviews, makes the previews; false (after the message) when it could
     // not be read.
     bool LoadScreenImage(const QString& FileName, bool DoPreviews = true);
+    // How LoadScreenImage makes the previews from a newly loaded screen
+    // picture, for a load done elsewhere (a folder added to the library).
+    PreviewMaker ScreenPreviewMaker();
 
     // What the Randomizer tab shares with this tab: whether frames are laid
     // over written screens, the frame file for a screen, and the picture file

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "TextureRequest.h"
+#include "app/FileRecord.h"
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 
 class BusyHost;
 class UiServices;
 class cDIBSection;
-struct FileRecord;
 
 // Where a texture write keeps its temporary files, where it may write, and
 // how it makes the DDS image.
@@ -24,6 +25,11 @@ struct TextureContext {
     // The compressor; "" finds it (the program's folder, then PATH).
     QString compressor;
     qint64 toolTimeOut = 2000000000;
+    // When set, a library entry's finished file is handed over here, still
+    // to be committed (CommitFileRecord), and the write counts as done: a
+    // folder add flushes several entries to the disk at once and puts them
+    // in place in order. Textures are always committed by the writer.
+    std::function<void(FileRecord&& output)> handOver;
 };
 
 // Writes the request's picture as the game texture SavePath + FileName +
