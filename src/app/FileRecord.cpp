@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -107,6 +108,51 @@ qint64 WriteFileBytes(FileRecord& record, const void* buffer, qint64 count) {
             continue;
         if (n <= 0) {
             record.Failed = true;
+            return -1;
+        }
+        done += n;
+    }
+    return done;
+}
+
+qint64 CopyFileBytes(FileRecord& target, FileRecord& source, qint64 count) {
+    constexpr qint64 kChunk = 1024 * 1024;
+    if (target.Handle == -1 || source.Handle == -1)
+        return 0;
+    qint64 done = 0;
+    bool inKernel = true;
+    std::vector<char> buffer;
+    while (done < count) {
+        if (simulatedDiskFull()) {
+            target.Failed = true;
+            errno = ENOSPC;
+            return -1;
+        }
+        const qint64 step = qMin(count - done, kChunk);
+        ssize_t n = -1;
+        if (inKernel) {
+            n = ::copy_file_range(source.Handle, nullptr, target.Handle, nullptr, size_t(step), 0);
+            if (n < 0 && errno == EINTR)
+                continue;
+            // Not between these files (another file system, an old kernel):
+            // the bytes go through memory instead.
+            if (n < 0 && done == 0 &&
+                (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)) {
+                inKernel = false;
+                continue;
+            }
+        } else {
+            buffer.resize(size_t(kChunk));
+            n = ::read(source.Handle, buffer.data(), size_t(step));
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n > 0 && WriteFileBytes(target, buffer.data(), n) != n)
+                return -1;
+        }
+        if (n == 0)
+            break; // the source ended first
+        if (n < 0) {
+            target.Failed = true;
             return -1;
         }
         done += n;

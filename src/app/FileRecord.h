@@ -45,6 +45,11 @@ void CloseFileRecord(FileRecord& record);
 // The bytes moved, 0 when the record is not open, -1 when the call failed.
 qint64 ReadFileBytes(FileRecord& record, void* buffer, qint64 count);
 qint64 WriteFileBytes(FileRecord& record, const void* buffer, qint64 count);
+// Copies up to `count` bytes from `source`'s position to `target`'s, in the
+// kernel where the file system allows it. Returns the bytes copied (fewer
+// when the source ends first), or -1 when reading or writing failed, which
+// marks `target` failed.
+qint64 CopyFileBytes(FileRecord& target, FileRecord& source, qint64 count);
 
 // The file's length in bytes (0 when not open).
 qint64 FileRecordLength(const FileRecord& record);

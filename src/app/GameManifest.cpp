@@ -106,18 +106,27 @@ bool KeepOriginal(const QString& gameFolder, const QString& path) {
 }
 
 void Record(const QString& gameFolder, const QString& path) {
-    const QString relative = relativeTo(gameFolder, path);
-    if (relative.isEmpty())
-        return;
+    Record(gameFolder, QStringList{path});
+}
+
+void Record(const QString& gameFolder, const QStringList& paths) {
     QList<Entry> entries = Entries(gameFolder);
-    const Entry entry{relative, QFileInfo(path).size(), QDateTime::currentDateTimeUtc(),
-                      fingerprint(path)};
-    const qsizetype at = indexOf(entries, relative);
-    if (at >= 0)
-        entries[at] = entry;
-    else
-        entries.append(entry);
-    save(gameFolder, entries);
+    bool changed = false;
+    for (const QString& path : paths) {
+        const QString relative = relativeTo(gameFolder, path);
+        if (relative.isEmpty())
+            continue;
+        const Entry entry{relative, QFileInfo(path).size(), QDateTime::currentDateTimeUtc(),
+                          fingerprint(path)};
+        const qsizetype at = indexOf(entries, relative);
+        if (at >= 0)
+            entries[at] = entry;
+        else
+            entries.append(entry);
+        changed = true;
+    }
+    if (changed)
+        save(gameFolder, entries);
 }
 
 bool Restore(const QString& gameFolder, const QString& path) {

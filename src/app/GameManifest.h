@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 // What Kelvaris wrote into a game, and what it set aside to do so: a
 // manifest in the game's "Kelvaris/manifest.txt" (one line a file: its path
@@ -35,6 +36,8 @@ bool KeepOriginal(const QString& gameFolder, const QString& path);
 
 // After `path` was written: notes it in the manifest.
 void Record(const QString& gameFolder, const QString& path);
+// The same for several files, with one write of the manifest.
+void Record(const QString& gameFolder, const QStringList& paths);
 
 // Undoes Kelvaris's change to `path`: the backup goes back when there is
 // one, else the file is deleted; its record is dropped. False when the file

@@ -19,6 +19,7 @@ void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServ
 
 void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiServices& ui) {
     const QStringList arguments = PassThroughArguments(Arguments);
+    QStringList written;
     // Without a game folder there is nowhere Kelvaris may write; the client
     // lookup below then tells the player.
     for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character}) {
@@ -40,10 +41,14 @@ void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiSe
             continue;
         if (CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(info.screen.file),
                              ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath)))
-            GameManifest::Record(GameFolder, texture);
+            written << texture;
     }
     // The client starts in the game folder, as it would from its own shortcut.
     if (!GameFolder.isEmpty())
         QDir::setCurrent(GameFolder);
     LaunchChatClient(GameFolder, arguments, ui);
+    // Kelvaris's own bookkeeping waits until the player's game is on its way.
+    // Should it never be written, the next run only keeps one backup more.
+    if (!written.isEmpty())
+        GameManifest::Record(GameFolder, written);
 }

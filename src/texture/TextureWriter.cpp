@@ -27,7 +27,6 @@ namespace {
 constexpr qint64 kDdsCopyChunk = 1024;
 // Picture rows are written in chunks of about this many bytes.
 constexpr long kImageChunkBytes = 256 * 1024;
-constexpr qint64 kContainerCopyChunk = 1024 * 1024;
 // CopyDdsToTexture announces an uncompressed 1024 x 1024 32-bit DDS whatever
 // it copies; the game reads the real size from the DDS header.
 constexpr qint32 kFixedPayloadSize = 4194432;
@@ -416,15 +415,7 @@ bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const 
     WriteFileBytes(output, header.constData(), header.size());
 
     // Never more than the length seen at the start, should the file grow.
-    std::vector<char> chunk(kContainerCopyChunk);
-    for (qint64 left = sourceLength; left > 0;) {
-        const qint64 read = ReadFileBytes(source, chunk.data(), qMin(left, kContainerCopyChunk));
-        if (read < 0)
-            output.Failed = true;
-        if (read <= 0 || WriteFileBytes(output, chunk.data(), read) != read)
-            break;
-        left -= read;
-    }
+    CopyFileBytes(output, source, sourceLength);
     CloseFileRecord(source);
     return CommitFileRecord(output);
 }

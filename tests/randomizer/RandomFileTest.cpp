@@ -46,6 +46,9 @@ TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
     QStringList names = ListLibraryImages(folder);
     names.sort();
     EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));
+    // A game start's pick is one of them, wherever the draws land.
+    for (double at : {0.0, 0.15, 0.3, 0.45, 0.6, 0.75, 0.9, 0.99})
+        EXPECT_TRUE(names.contains(pick(folder, draws({at})))) << at;
 }
 
 TEST_F(RandomFileTest, ASingleImageIsPickedEveryTimeAndNoImageForgetsIt) {
