@@ -70,9 +70,14 @@ UniformRandom ClockSeededRandom() {
 }
 
 QString RandomFile(const QString& Folder, const QString& Key, const UniformRandom& random) {
+    const QString pick = PickRandomFile(Folder, modRegistry::QueryValue(kSettingsKey, Key), random);
+    modRegistry::SetValue(kSettingsKey, Key, pick);
+    return pick;
+}
+
+QString PickRandomFile(const QString& Folder, const QString& last, const UniformRandom& random) {
     std::optional<QStringList> unchecked = uncheckedNames(Folder);
     QStringList names = unchecked ? std::move(*unchecked) : ListLibraryImages(Folder);
-    const QString last = modRegistry::QueryValue(kSettingsKey, Key);
     QString pick;
     for (int draw = 0; draw < kDraws;) {
         const auto index = static_cast<qsizetype>(random() * double(names.size()));
@@ -88,6 +93,5 @@ QString RandomFile(const QString& Folder, const QString& Key, const UniformRando
             break;
         ++draw;
     }
-    modRegistry::SetValue(kSettingsKey, Key, pick);
     return pick;
 }

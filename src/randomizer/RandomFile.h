@@ -27,3 +27,8 @@ UniformRandom ClockSeededRandom();
 // empty library stores "" (which deletes the value) and returns "".
 QString RandomFile(const QString& Folder, const QString& Key,
                    const UniformRandom& random = ClockSeededRandom());
+
+// RandomFile's pick, avoiding `last`, without storing it: a game start
+// stores its picks once the client is on its way.
+QString PickRandomFile(const QString& Folder, const QString& last,
+                       const UniformRandom& random = ClockSeededRandom());

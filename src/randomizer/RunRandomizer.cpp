@@ -7,48 +7,81 @@
 #include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/StartUp.h"
+#include "app/modRegistry.h"
 #include "texture/ScreenTargets.h"
 #include "texture/TextureWriter.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <future>
 
 void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
     RunRandomizer(GameFolder, SplitJoinedCommandLine(CommandLine), ui);
 }
 
+namespace {
+
+// One screen's part of a game start: its setting, the pick, and the texture
+// when one was written.
+struct HalfRun {
+    QString key;
+    QString pick;
+    QString written;
+};
+
+HalfRun runHalf(const QString& GameFolder, LibraryHalf half, const QString& last) {
+    const LibraryHalfInfo& info = HalfInfo(half);
+    HalfRun run{QString::fromLatin1(info.lastPick), QString(), QString()};
+    const QString library =
+        ResolveExistingCase(GameFolder + QString::fromLatin1(info.folder).chopped(1));
+    if (!QFileInfo(library).isDir())
+        return {}; // no library for this screen: the game keeps its background
+    const QString target = GameFolder + QString::fromLatin1(info.screen.folder);
+    MakePath(target);
+    run.pick = PickRandomFile(library + u'/', last);
+    if (run.pick.isEmpty())
+        return run;
+    const QString texture = ResolveExistingCase(target + QString::fromLatin1(info.screen.file) +
+                                                QStringLiteral(".texture"));
+    if (GameManifest::KeepOriginal(GameFolder, texture) &&
+        CopyDdsToTexture(library + u'/' + run.pick, QString::fromLatin1(info.screen.file),
+                         ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath)))
+        run.written = texture;
+    return run;
+}
+
+} // namespace
+
 void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiServices& ui) {
     const QStringList arguments = PassThroughArguments(Arguments);
-    QStringList written;
     // Without a game folder there is nowhere Kelvaris may write; the client
     // lookup below then tells the player.
-    for (LibraryHalf half : {LibraryHalf::Login, LibraryHalf::Character}) {
-        if (GameFolder.isEmpty())
-            break;
-        const LibraryHalfInfo& info = HalfInfo(half);
-        const QString library =
-            ResolveExistingCase(GameFolder + QString::fromLatin1(info.folder).chopped(1));
-        if (!QFileInfo(library).isDir())
-            continue; // no library for this screen: the game keeps its background
-        const QString target = GameFolder + QString::fromLatin1(info.screen.folder);
-        MakePath(target);
-        const QString pick = RandomFile(library + u'/', QString::fromLatin1(info.lastPick));
-        if (pick.isEmpty())
-            continue;
-        const QString texture = ResolveExistingCase(target + QString::fromLatin1(info.screen.file) +
-                                                    QStringLiteral(".texture"));
-        if (!GameManifest::KeepOriginal(GameFolder, texture))
-            continue;
-        if (CopyDdsToTexture(library + u'/' + pick, QString::fromLatin1(info.screen.file),
-                             ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath)))
-            written << texture;
+    QList<HalfRun> runs;
+    if (!GameFolder.isEmpty()) {
+        const QString lastLogin = modRegistry::QueryValue(
+            kSettingsKey, QString::fromLatin1(HalfInfo(LibraryHalf::Login).lastPick));
+        const QString lastCharacter = modRegistry::QueryValue(
+            kSettingsKey, QString::fromLatin1(HalfInfo(LibraryHalf::Character).lastPick));
+        // The two screens are copied side by side: each waits on the disk
+        // for its copy to be safe, and the player waits on both.
+        auto character = std::async(std::launch::async, runHalf, GameFolder, LibraryHalf::Character,
+                                    lastCharacter);
+        runs << runHalf(GameFolder, LibraryHalf::Login, lastLogin) << character.get();
     }
     // The client starts in the game folder, as it would from its own shortcut.
     if (!GameFolder.isEmpty())
         QDir::setCurrent(GameFolder);
     LaunchChatClient(GameFolder, arguments, ui);
     // Kelvaris's own bookkeeping waits until the player's game is on its way.
-    // Should it never be written, the next run only keeps one backup more.
+    // Should it never be written, the next run may repeat a pick or keep one
+    // backup more, nothing worse.
+    QStringList written;
+    for (const HalfRun& run : runs) {
+        if (!run.key.isEmpty())
+            modRegistry::SetValue(kSettingsKey, run.key, run.pick);
+        if (!run.written.isEmpty())
+            written << run.written;
+    }
     if (!written.isEmpty())
         GameManifest::Record(GameFolder, written);
 }
