@@ -42,8 +42,14 @@ private:
     BusyHost& host_;
 };
 
+// Lets pending events run from a long operation's progress reports, at
+// most every few milliseconds: often enough for a window to stay live and a
+// Cancel to be seen at once, seldom enough to cost nothing beside the work
+// (a picture reports each of its thousand rows). Main thread only.
+void ProcessEventsNowAndThen();
+
 // A BusyHost with no window: keeps the flags and lets pending events run on
-// each progress report. Used by the randomizer run before any window shows,
+// its progress reports. Used by the randomizer run before any window shows,
 // by command-line tools and by tests.
 class HeadlessBusy : public BusyHost {
 public:

@@ -291,7 +291,7 @@ void Form1::ShowProgress(long Value, const QString& Text) {
         if (!Text.isEmpty())
             XPProgressBar1_->setFormat(progressFormat(Text));
     }
-    QCoreApplication::processEvents();
+    ProcessEventsNowAndThen();
 }
 
 void Form1::SetProgressMaximum(long Maximum) {

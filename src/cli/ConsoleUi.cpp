@@ -51,7 +51,7 @@ void ConsoleBusy::ShowProgress(long Value, const QString& Text) {
     if (!Text.isEmpty())
         text_ = Text;
     draw(Value);
-    QCoreApplication::processEvents();
+    ProcessEventsNowAndThen();
 }
 
 void ConsoleBusy::draw(long value) {
