@@ -5,8 +5,9 @@
 # the floor: a bare Qt program that starts, copies one 4 MiB library entry
 # to two places a megabyte at a time and ends (bench_bare_start).
 # Usage: bench/randomizer_start.sh [build dir] [runs]. With today's refresh
-# done no display is needed. The last line is
-# "RESULT randomizer_start KELVARIS_MS FLOOR_MS" (medians).
+# done no display is needed. The last lines are
+# "RESULT randomizer_start KELVARIS_MS FLOOR_MS" and
+# "RESULT randomizer_lifetime KELVARIS_MS BARE_START_MS" (medians).
 set -eu
 build=${1:-build-release}
 runs=${2:-20}
@@ -77,4 +78,19 @@ while [ $n -lt "$runs" ]; do
 done
 floor=$(echo "$floors" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
 echo "bare Qt program copying 4 MiB twice, then the client, over $runs runs: median $floor ms"
+
+# The whole process beside a bare Qt program that only starts and ends.
+: >"$work/empty"
+bares=""
+n=0
+while [ $n -lt "$runs" ]; do
+    start=$(date +%s%N)
+    "$bare" "$work/empty" "$work/copy1.dds" "$work/copy2.dds"
+    bares="$bares $((($(date +%s%N) - start) / 1000000))"
+    n=$((n + 1))
+done
+bare_start=$(echo "$bares" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+lifetime=$(echo "$lifetimes" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+echo "bare Qt program starting and ending over $runs runs: median $bare_start ms"
 echo "RESULT randomizer_start $ours $floor"
+echo "RESULT randomizer_lifetime $lifetime $bare_start"
