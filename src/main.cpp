@@ -1,5 +1,6 @@
 #include "app/ApplicationId.h"
 #include "app/DeferredMessages.h"
+#include "app/ExitAfterFirstPaint.h"
 #include "app/Form1.h"
 #include "app/RealUiServices.h"
 #include "app/StaleTemporaries.h"
@@ -10,34 +11,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
-#include <QEvent>
 #include <QIcon>
-#include <QTimer>
-
-namespace {
-
-// Ends the program once the watched window has been painted for the first
-// time. Used to time the start (KELVARIS_EXIT_AFTER_FIRST_PAINT=1); not a
-// player's option.
-class ExitAfterFirstPaint : public QObject {
-public:
-    using QObject::QObject;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Paint && !painted_) {
-            painted_ = true;
-            // Once this paint and the flush of the window that follows it are done.
-            QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    bool painted_ = false;
-};
-
-} // namespace
 
 int main(int argc, char* argv[]) {
     QStringList arguments;
