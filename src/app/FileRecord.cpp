@@ -123,21 +123,23 @@ qint64 CopyFileBytes(FileRecord& target, FileRecord& source, qint64 count) {
     bool inKernel = true;
     std::vector<char> buffer;
     while (done < count) {
-        if (simulatedDiskFull()) {
-            target.Failed = true;
-            errno = ENOSPC;
-            return -1;
-        }
         const qint64 step = qMin(count - done, kChunk);
         ssize_t n = -1;
         if (inKernel) {
+            if (simulatedDiskFull()) {
+                target.Failed = true;
+                errno = ENOSPC;
+                return -1;
+            }
             n = ::copy_file_range(source.Handle, nullptr, target.Handle, nullptr, size_t(step), 0);
             if (n < 0 && errno == EINTR)
                 continue;
-            // Not between these files (another file system, an old kernel):
+            // Not between these files (another file system, an old kernel, a
+            // sandbox that forbids it, or one that copies nothing at all):
             // the bytes go through memory instead.
-            if (n < 0 && done == 0 &&
-                (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP)) {
+            if (done == 0 &&
+                (n == 0 || (n < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL ||
+                                      errno == EOPNOTSUPP || errno == EPERM || errno == EBADF)))) {
                 inKernel = false;
                 continue;
             }

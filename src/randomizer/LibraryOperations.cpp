@@ -43,8 +43,12 @@ bool writeEntry(const LibraryAdd& add, const QString& FileName, const TextureCon
 // large folder is never held in memory.
 constexpr int kPicturesPerWorker = 2;
 
+// A very large picture may take a few hundred megabytes while it decodes:
+// past this many at once, more cores buy little and may cost the memory.
+constexpr int kMostWorkers = 8;
+
 int workerCount(const LibraryAdd& add) {
-    return add.workers > 0 ? add.workers : std::max(1, QThread::idealThreadCount());
+    return add.workers > 0 ? add.workers : std::clamp(QThread::idealThreadCount(), 1, kMostWorkers);
 }
 
 int addOneByOne(const LibraryAdd& add, const QString& Folder, const QStringList& names,
@@ -89,6 +93,18 @@ public:
         while (!pending_.empty() && (all || pending_.front().flushed.wait_for(std::chrono::seconds(
                                                 0)) == std::future_status::ready))
             settleFirst();
+    }
+
+    // Whether an entry of this file name, in any letter case, still waits to
+    // be put in place: a later entry of the same name must find it there, to
+    // replace it as it would one picture at a time.
+    bool Holds(const QString& fileName) const {
+        for (const Entry& entry : pending_)
+            if (QFileInfo(entry.record->FinalName)
+                    .fileName()
+                    .compare(fileName, Qt::CaseInsensitive) == 0)
+                return true;
+        return false;
     }
 
     int Added() const { return added_; }
@@ -162,6 +178,8 @@ int addTogether(const LibraryAdd& add, const QString& Folder, const QStringList&
         if (!FinishPreparedImage(path, std::move(picture), *add.image, busy, ui, previews) ||
             busy.CancelRequested())
             continue;
+        if (commits.Holds(names[i] + QStringLiteral(".dds")))
+            commits.Settle(true);
         if (!writeEntry(add, names[i], handingOver, busy, ui)) {
             commits.Settle(true);
             ui.Message(WriteErrorText(), MsgIcon::Exclamation);

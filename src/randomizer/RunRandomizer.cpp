@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <future>
+#include <system_error>
 
 void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
     RunRandomizer(GameFolder, SplitJoinedCommandLine(CommandLine), ui);
@@ -64,9 +65,16 @@ void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiSe
             kSettingsKey, QString::fromLatin1(HalfInfo(LibraryHalf::Character).lastPick));
         // The two screens are copied side by side: each waits on the disk
         // for its copy to be safe, and the player waits on both.
-        auto character = std::async(std::launch::async, runHalf, GameFolder, LibraryHalf::Character,
-                                    lastCharacter);
-        runs << runHalf(GameFolder, LibraryHalf::Login, lastLogin) << character.get();
+        std::future<HalfRun> character;
+        try {
+            character = std::async(std::launch::async, runHalf, GameFolder, LibraryHalf::Character,
+                                   lastCharacter);
+        } catch (const std::system_error&) {
+            // No thread to be had: the character screen follows the login's.
+        }
+        runs << runHalf(GameFolder, LibraryHalf::Login, lastLogin)
+             << (character.valid() ? character.get()
+                                   : runHalf(GameFolder, LibraryHalf::Character, lastCharacter));
     }
     // The client starts in the game folder, as it would from its own shortcut.
     if (!GameFolder.isEmpty())

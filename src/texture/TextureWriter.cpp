@@ -414,8 +414,10 @@ bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const 
     const QByteArray header = TextureHeader(kFixedPayloadSize, 1024, 768, texPath, SaveFile);
     WriteFileBytes(output, header.constData(), header.size());
 
-    // Never more than the length seen at the start, should the file grow.
-    CopyFileBytes(output, source, sourceLength);
+    // Never more than the length seen at the start, should the file grow; a
+    // copy cut short never replaces the game's texture.
+    if (CopyFileBytes(output, source, sourceLength) != sourceLength)
+        output.Failed = true;
     CloseFileRecord(source);
     return CommitFileRecord(output);
 }
