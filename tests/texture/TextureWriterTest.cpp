@@ -9,10 +9,9 @@
 #include "image/cDIBSection.h"
 #include "texture/Catalogue.h"
 #include "texture/ScreenTargets.h"
+#include "texture/TextureReader.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QtEndian>
 #include <sys/stat.h>
 
 namespace {
@@ -42,25 +41,6 @@ protected:
         const QString path = root() + "/Screen Shot.JPG";
         GradientImage(160, 120).save(path, "JPEG", 95);
         ASSERT_TRUE(LoadImage(path, dib, 1024, 768, busy, ui));
-    }
-
-    // The DDS image decompressed by nvdecompress, alpha included.
-    QImage decompressed(const QByteArray& dds) {
-        const QString ddsPath = writeFile("check.dds", dds);
-        QProcess tool;
-        tool.setWorkingDirectory(root());
-        tool.start("nvdecompress", {ddsPath});
-        EXPECT_TRUE(tool.waitForFinished(60000));
-        const QByteArray tga = readFile(root() + "/check.tga");
-        if (tga.size() < 18 || tga[2] != 2 || tga[16] != 32)
-            return {};
-        const int width = qFromLittleEndian<quint16>(tga.constData() + 12);
-        const int height = qFromLittleEndian<quint16>(tga.constData() + 14);
-        if (tga.size() < 18 + qsizetype(width) * height * 4)
-            return {};
-        const QImage rows(reinterpret_cast<const uchar*>(tga.constData()) + 18, width, height,
-                          width * 4, QImage::Format_ARGB32);
-        return rows.copy().mirrored(false, !(tga[17] & 0x20)); // off the buffer
     }
 
     QString game;
@@ -199,7 +179,7 @@ TEST_F(TextureWriterTest, LoginScreenCompressedByNvcompress) {
     ASSERT_EQ(bytes.size(), texture.headerSize + padded);
     EXPECT_EQ(bytes.mid(texture.headerSize + payload), QByteArray(padded - payload, '\0'));
     EXPECT_EQ(texture.dds.mid(84, 4), QByteArray("DXT1"));
-    const QImage back = decompressed(texture.dds);
+    const QImage back = ReadTexturePicture(texture.dds).image;
     ASSERT_EQ(back.size(), QSize(1024, 1024));
     // BC1 may turn a few blocks transparent black: compare the others.
     int worst = 0, compared = 0, sampled = 0;
@@ -239,7 +219,7 @@ TEST_P(CompressedTextures, CarryMipmapsAndTheMaskAsAlpha) {
     EXPECT_EQ(dds.size(), 128 + 343 * (alpha ? 16 : 8));
     EXPECT_EQ(dds.mid(84, 4), QByteArray(alpha ? "DXT5" : "DXT1"));
     EXPECT_EQ(dds[28], 7); // the mipmap count
-    const QImage back = decompressed(dds);
+    const QImage back = ReadTexturePicture(dds).image;
     ASSERT_EQ(back.size(), QSize(64, 64));
     // Without a mask the whole texture stays opaque.
     EXPECT_EQ(qAlpha(back.pixel(5, 5)) <= 8, alpha);

@@ -1,7 +1,6 @@
 #include "texture/TexturesTab.h"
 
 #include "catalogue/TestArchive.h"
-#include "common/CaseName.h"
 #include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "texture/CatalogueLocation.h"
@@ -161,41 +160,29 @@ TEST_F(TexturesTabTest, FailuresAreToldAndWriteNothing) {
 
 // Restoring one texture asks only when it was replaced; restoring the
 // category always asks and leaves the other category alone.
-struct RestoreCase {
-    const char* name;
-    bool all;
-    bool replaced; // the selected texture has a custom file
-    MsgAnswer answer;
-    QStringList left; // texture files still there afterwards
-};
-
-class Restore : public TexturesTabTest, public ::testing::WithParamInterface<RestoreCase> {};
-
-TEST_P(Restore, AsksBeforeDeletingOnlyWhatExists) {
-    const RestoreCase& c = GetParam();
+TEST_F(TexturesTabTest, RestoreAsksBeforeDeletingOnlyWhatExists) {
     enterTab();
-    for (const char* file : {"Icons/Powers/blast", "Icons/Other/wide", "CREATION/login"})
-        if (c.replaced || file != std::string("Icons/Powers/blast"))
-            writeFile(kData + file + ".texture", "custom texture");
-    list("texTexture")->setCurrentIndex(1);
-    control<QCheckBox>("texWriteAll")->setChecked(c.all);
-    ui.answers.push_back(c.answer);
+    for (const char* file : {"Icons/Other/wide", "CREATION/login"})
+        writeFile(kData + file + ".texture", "custom texture");
+    const auto left = [this] {
+        QStringList names;
+        for (const QString& path : filesWritten())
+            names << QFileInfo(path).baseName();
+        return names;
+    };
+    list("texTexture")->setCurrentIndex(1); // Blast, never replaced: nothing to ask
     click("texReset");
-    ASSERT_EQ(ui.messages.size(), c.replaced ? 1 : 0);
-    EXPECT_TRUE(!c.replaced || ui.messages[0].buttons == MsgButtons::YesNo);
-    QStringList left;
-    for (const QString& path : filesWritten())
-        left << QFileInfo(path).baseName();
-    EXPECT_EQ(left, c.left);
+    EXPECT_TRUE(ui.messages.isEmpty());
+    control<QCheckBox>("texWriteAll")->setChecked(true);
+    ui.answers.push_back(MsgAnswer::No);
+    click("texReset");
+    ASSERT_EQ(ui.messages.size(), 1);
+    EXPECT_EQ(ui.messages[0].buttons, MsgButtons::YesNo);
+    EXPECT_EQ(left(), QStringList({"login", "wide"}));
+    ui.answers.push_back(MsgAnswer::Yes);
+    click("texReset");
+    EXPECT_EQ(left(), QStringList{"login"});
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Restore,
-    ::testing::Values(RestoreCase{"one yes", false, true, MsgAnswer::Yes, {"login", "wide"}},
-                      RestoreCase{
-                          "one never replaced", false, false, MsgAnswer::Yes, {"login", "wide"}},
-                      RestoreCase{"all no", true, true, MsgAnswer::No, {"login", "wide", "blast"}}),
-    CaseName<RestoreCase>);
 
 // A build cancelled by the Quit button keeps the catalogue; a whole one
 // replaces it and is shown.
