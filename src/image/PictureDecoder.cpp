@@ -2,6 +2,7 @@
 
 #include "TgaDecoder.h"
 #include "app/FileRecord.h"
+#include "app/LittleEndian.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -9,10 +10,6 @@
 #include <array>
 
 namespace {
-
-quint32 le32(const QByteArray& data, qsizetype at) {
-    return qFromLittleEndian<quint32>(data.constData() + at);
-}
 
 quint16 le16(const QByteArray& data, qsizetype at) {
     return qFromLittleEndian<quint16>(data.constData() + at);
@@ -23,8 +20,8 @@ quint16 le16(const QByteArray& data, qsizetype at) {
 bool bmpComplete(const QByteArray& data) {
     if (data.size() < 26)
         return false;
-    const qint64 offset = le32(data, 10);
-    const quint32 headerSize = le32(data, 14);
+    const qint64 offset = LittleEndian32(data, 10);
+    const quint32 headerSize = LittleEndian32(data, 14);
     qint64 width = 0, height = 0, bits = 0, compression = 0;
     if (headerSize == 12) {
         width = le16(data, 18);
@@ -33,10 +30,10 @@ bool bmpComplete(const QByteArray& data) {
     } else {
         if (data.size() < 34)
             return false;
-        width = qint32(le32(data, 18));
-        height = qint32(le32(data, 22));
+        width = qint32(LittleEndian32(data, 18));
+        height = qint32(LittleEndian32(data, 22));
         bits = le16(data, 28);
-        compression = le32(data, 30);
+        compression = LittleEndian32(data, 30);
     }
     if (compression != 0 && compression != 3) // run-length data end where they end
         return true;

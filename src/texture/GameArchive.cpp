@@ -1,5 +1,7 @@
 #include "GameArchive.h"
 
+#include "app/LittleEndian.h"
+
 #include <QtEndian>
 #include <zlib.h>
 
@@ -30,10 +32,6 @@ constexpr qsizetype kMaxPlannedEntries = 4096;
 // size while inflating.
 constexpr qint64 kInflateChunk = 16 * 1024;
 
-quint32 u32At(const QByteArray& bytes, qint64 at) {
-    return qFromLittleEndian<quint32>(bytes.constData() + at);
-}
-
 quint16 u16At(const QByteArray& bytes, qint64 at) {
     return qFromLittleEndian<quint16>(bytes.constData() + at);
 }
@@ -61,10 +59,10 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
         error = QStringLiteral("is cut short: its name table is missing.");
         return {};
     }
-    const quint32 count = u32At(head, 4);
-    const quint32 bytes = u32At(head, 8);
+    const quint32 count = LittleEndian32(head, 4);
+    const quint32 bytes = LittleEndian32(head, 8);
     const qint64 start = at + kNameTableHeaderBytes;
-    if (u32At(head, 0) != kNameTableMarker) {
+    if (LittleEndian32(head, 0) != kNameTableMarker) {
         error = QStringLiteral("is damaged: its name table has no marker.");
         return {};
     }
@@ -91,7 +89,7 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
             error = QStringLiteral("is damaged: name %1 runs past its table.").arg(i);
             return {};
         }
-        const quint32 length = u32At(rows, pos);
+        const quint32 length = LittleEndian32(rows, pos);
         pos += 4;
         if (length == 0 || qint64(length) > rows.size() - pos) {
             error = QStringLiteral("is damaged: name %1 runs past its table.").arg(i);
@@ -112,11 +110,11 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
 ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
     const qint64 fileSize = device.size();
     const QByteArray header = readAt(device, 0, kHeaderBytes);
-    if (header.isEmpty() || u32At(header, 0) != kArchiveMagic)
+    if (header.isEmpty() || LittleEndian32(header, 0) != kArchiveMagic)
         return failure(QStringLiteral("is not a game archive."));
     const quint16 headerBytes = u16At(header, 8);
     const quint16 entryBytes = u16At(header, 10);
-    const quint32 count = u32At(header, 12);
+    const quint32 count = LittleEndian32(header, 12);
     if (headerBytes < kHeaderBytes || entryBytes < kEntryBytes)
         return failure(QStringLiteral("is damaged: its header gives impossible sizes."));
     const qint64 directoryBytes = qint64(count) * entryBytes;
@@ -137,9 +135,9 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
     result.entries.reserve(count);
     for (quint32 i = 0; i < count; ++i) {
         const qint64 at = qint64(i) * entryBytes;
-        if (u32At(directory, at) != kEntryMarker)
+        if (LittleEndian32(directory, at) != kEntryMarker)
             return failure(QStringLiteral("is damaged: entry %1 has no marker.").arg(i));
-        const quint32 nameIndex = u32At(directory, at + 4);
+        const quint32 nameIndex = LittleEndian32(directory, at + 4);
         if (nameIndex >= quint32(names.size()))
             return failure(QStringLiteral("is damaged: entry %1 names string %2 of %3.")
                                .arg(i)
@@ -147,9 +145,9 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
                                .arg(names.size()));
         ArchiveEntry entry;
         entry.name = names[nameIndex];
-        entry.size = u32At(directory, at + 8);
-        entry.offset = u32At(directory, at + 16);
-        entry.compressedSize = u32At(directory, at + 44);
+        entry.size = LittleEndian32(directory, at + 8);
+        entry.offset = LittleEndian32(directory, at + 16);
+        entry.compressedSize = LittleEndian32(directory, at + 44);
         if (qint64(entry.offset) + storedBytes(entry) > fileSize)
             return failure(QStringLiteral("is damaged: the data of \"%1\" runs past the end of "
                                           "the file.")

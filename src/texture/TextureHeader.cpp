@@ -1,6 +1,6 @@
 #include "TextureHeader.h"
 
-#include <QtEndian>
+#include "app/LittleEndian.h"
 
 namespace {
 
@@ -8,10 +8,6 @@ constexpr qint64 kHeaderBytes = 32;
 // The DDS header's height and width follow "DDS " at these distances.
 constexpr qint64 kDdsHeight = 12;
 constexpr qint64 kDdsWidth = 16;
-
-quint32 u32At(const QByteArray& bytes, qint64 at) {
-    return qFromLittleEndian<quint32>(bytes.constData() + at);
-}
 
 bool hasMark(const QByteArray& start) {
     return start.size() >= kHeaderBytes && start[28] == '\0' &&
@@ -30,7 +26,7 @@ bool toSize(quint32 value, int& size) {
 qint64 TextureSizeBytesNeeded(const QByteArray& start) {
     if (start.size() < kHeaderBytes || hasMark(start))
         return kHeaderBytes;
-    return qint64(u32At(start, 0)) + kDdsWidth + 4;
+    return qint64(LittleEndian32(start, 0)) + kDdsWidth + 4;
 }
 
 bool ReadTextureSize(const QByteArray& start, int& width, int& height) {
@@ -39,13 +35,14 @@ bool ReadTextureSize(const QByteArray& start, int& width, int& height) {
     int w = 0;
     int h = 0;
     if (hasMark(start)) {
-        if (!toSize(u32At(start, 8), w) || !toSize(u32At(start, 12), h))
+        if (!toSize(LittleEndian32(start, 8), w) || !toSize(LittleEndian32(start, 12), h))
             return false;
     } else {
-        const qint64 dds = u32At(start, 0);
+        const qint64 dds = LittleEndian32(start, 0);
         if (dds + kDdsWidth + 4 > start.size() || QByteArrayView(start).sliced(dds, 4) != "DDS ")
             return false;
-        if (!toSize(u32At(start, dds + kDdsWidth), w) || !toSize(u32At(start, dds + kDdsHeight), h))
+        if (!toSize(LittleEndian32(start, dds + kDdsWidth), w) ||
+            !toSize(LittleEndian32(start, dds + kDdsHeight), h))
             return false;
     }
     width = w;

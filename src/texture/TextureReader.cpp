@@ -1,8 +1,8 @@
 #include "TextureReader.h"
 
 #include "app/FileRecord.h"
+#include "app/LittleEndian.h"
 
-#include <QtEndian>
 #include <squish.h>
 
 namespace {
@@ -12,10 +12,6 @@ constexpr qint64 kLargestPicture = 64LL * 1024 * 1024; // bytes of 32-bit pixels
 constexpr qsizetype kDdsHeaderBytes = 128;
 constexpr qsizetype kContainerHeaderBytes = 32;
 constexpr quint32 kPixelFormatFourCc = 0x4;
-
-quint32 u32(const QByteArray& data, qsizetype at) {
-    return qFromLittleEndian<quint32>(data.constData() + at);
-}
 
 TexturePicture failed(const QString& error) {
     TexturePicture picture;
@@ -27,14 +23,14 @@ TexturePicture failed(const QString& error) {
 TexturePicture readDds(const QByteArray& data, qsizetype at, TexturePicture picture) {
     if (data.size() - at < kDdsHeaderBytes || data.mid(at, 4) != "DDS ")
         return failed(QStringLiteral("The file holds no DDS image."));
-    const qint64 height = u32(data, at + 12);
-    const qint64 width = u32(data, at + 16);
+    const qint64 height = LittleEndian32(data, at + 12);
+    const qint64 width = LittleEndian32(data, at + 16);
     if (width <= 0 || height <= 0 || width > 16384 || height > 16384 ||
         width * height * 4 > kLargestPicture)
         return failed(QStringLiteral("The DDS image declares an impossible size (%1x%2).")
                           .arg(width)
                           .arg(height));
-    const quint32 flags = u32(data, at + 80);
+    const quint32 flags = LittleEndian32(data, at + 80);
     const QByteArray fourCc = data.mid(at + 84, 4);
     const char* pixels = data.constData() + at + kDdsHeaderBytes;
     const qint64 available = data.size() - at - kDdsHeaderBytes;
@@ -54,7 +50,7 @@ TexturePicture readDds(const QByteArray& data, qsizetype at, TexturePicture pict
             return failed(QStringLiteral("The DDS format \"%1\" cannot be shown.")
                               .arg(QString::fromLatin1(fourCc.toHex())));
         needed = squish::GetStorageRequirements(int(width), int(height), squishFlags);
-    } else if (u32(data, at + 88) != 32) {
+    } else if (LittleEndian32(data, at + 88) != 32) {
         return failed(QStringLiteral("Only 32-bit uncompressed DDS images can be shown."));
     }
     if (available < needed)
@@ -93,11 +89,11 @@ TexturePicture ReadTexturePicture(const QByteArray& data) {
     if (data.size() < kContainerHeaderBytes)
         return failed(QStringLiteral("The file is too short to be a texture."));
     TexturePicture picture;
-    const qint64 headerSize = u32(data, 0);
+    const qint64 headerSize = LittleEndian32(data, 0);
     if (headerSize < kContainerHeaderBytes || headerSize > data.size())
         return failed(QStringLiteral("The texture's header is damaged."));
-    picture.announcedWidth = int(qMin<quint32>(u32(data, 8), 1 << 20));
-    picture.announcedHeight = int(qMin<quint32>(u32(data, 12), 1 << 20));
+    picture.announcedWidth = int(qMin<quint32>(LittleEndian32(data, 8), 1 << 20));
+    picture.announcedHeight = int(qMin<quint32>(LittleEndian32(data, 12), 1 << 20));
     QByteArray name = data.mid(kContainerHeaderBytes, headerSize - kContainerHeaderBytes);
     if (const qsizetype end = name.indexOf('\0'); end >= 0)
         name.truncate(end);
