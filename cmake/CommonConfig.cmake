@@ -1,6 +1,8 @@
 # One place for the flags every Kelvaris target shares: language level,
 # warnings, Qt defines and the optional sanitizers.
 set(CMAKE_AUTOMOC ON)
+# The static libraries also go into the front ends' module.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(kelvaris_options INTERFACE)
 target_compile_features(kelvaris_options INTERFACE cxx_std_20)

@@ -6,6 +6,9 @@ set(KELVARIS_APP_ID io.github.kelvaris.Kelvaris)
 set(KELVARIS_DESKTOP_FILES ${PROJECT_SOURCE_DIR}/data/desktop)
 
 install(TARGETS kelvaris RUNTIME DESTINATION bin)
+# The window and the command line, which the program loads from
+# ../lib/kelvaris beside bin/.
+install(TARGETS kelvaris_front_ends LIBRARY DESTINATION lib/kelvaris)
 install(FILES ${PROJECT_SOURCE_DIR}/data/kelvaris.csv DESTINATION share/kelvaris)
 install(FILES ${KELVARIS_DESKTOP_FILES}/${KELVARIS_APP_ID}.desktop
     DESTINATION share/applications)

@@ -185,10 +185,16 @@ QList<QPair<QString, QString>> ListValues(const QString& KeyName) {
 }
 
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value) {
-    // Only spaces count as blank, as the store has always trimmed them alone.
-    const bool blank = std::all_of(Value.cbegin(), Value.cend(), [](QChar c) { return c == u' '; });
+    return SetValues(KeyName, {{ValueName, Value}});
+}
+
+bool SetValues(const QString& KeyName, const QList<QPair<QString, QString>>& Values) {
     // What the file could not give back as it was given is never stored.
-    if (!IsStorableText(KeyName) || !IsStorableText(ValueName) || !IsStorableText(Value))
+    QList<QPair<QString, QString>> storable;
+    for (const auto& [name, value] : Values)
+        if (IsStorableText(KeyName) && IsStorableText(name) && IsStorableText(value))
+            storable.append({name, value});
+    if (storable.isEmpty())
         return false;
     const StoreLock lock;
     if (!lock.Locked())
@@ -197,15 +203,19 @@ bool SetValue(const QString& KeyName, const QString& ValueName, const QString& V
     if (!store.readable)
         return false;
     RegKey* key = store.doc.findKey(kRoot + KeyName);
-    if (blank) {
-        if (!key || !key->removeValue(ValueName))
-            return false;
-        return saveStore(store.doc);
+    qsizetype changed = 0;
+    for (const auto& [name, value] : storable) {
+        // Only spaces count as blank, as the store has always trimmed them alone.
+        if (std::all_of(value.cbegin(), value.cend(), [](QChar c) { return c == u' '; })) {
+            changed += key && key->removeValue(name) ? 1 : 0;
+            continue;
+        }
+        if (!key)
+            key = &store.doc.addKey(kRoot + KeyName);
+        key->setValue(name, value);
+        ++changed;
     }
-    if (!key)
-        key = &store.doc.addKey(kRoot + KeyName);
-    key->setValue(ValueName, Value);
-    return saveStore(store.doc);
+    return changed > 0 && saveStore(store.doc) && changed == Values.size();
 }
 
 } // namespace modRegistry

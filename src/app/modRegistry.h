@@ -40,6 +40,11 @@ QString QueryValue(const QString& KeyName, const QString& ValueName);
 // not give it back), or when the store could not be written.
 bool SetValue(const QString& KeyName, const QString& ValueName, const QString& Value);
 
+// SetValue for several values of one key, written to the store at once (one
+// write where several would each wait on the disk). True when every value
+// was stored as asked; the others are stored all the same.
+bool SetValues(const QString& KeyName, const QList<QPair<QString, QString>>& Values);
+
 // Every string value of the key as name and text, in the store's order
 // (values of other types are left out).
 QList<QPair<QString, QString>> ListValues(const QString& KeyName);

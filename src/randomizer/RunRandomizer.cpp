@@ -1,7 +1,7 @@
 #include "RunRandomizer.h"
 
 #include "ChatClientLauncher.h"
-#include "LibraryOperations.h"
+#include "LibraryHalves.h"
 #include "RandomFile.h"
 #include "RandomizerArguments.h"
 #include "app/GameManifest.h"
@@ -9,7 +9,7 @@
 #include "app/StartUp.h"
 #include "app/modRegistry.h"
 #include "texture/ScreenTargets.h"
-#include "texture/TextureWriter.h"
+#include "texture/TextureContainer.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -83,13 +83,16 @@ void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiSe
     // Kelvaris's own bookkeeping waits until the player's game is on its way.
     // Should it never be written, the next run may repeat a pick or keep one
     // backup more, nothing worse.
+    QList<QPair<QString, QString>> picks;
     QStringList written;
     for (const HalfRun& run : runs) {
         if (!run.key.isEmpty())
-            modRegistry::SetValue(kSettingsKey, run.key, run.pick);
+            picks.append({run.key, run.pick});
         if (!run.written.isEmpty())
             written << run.written;
     }
+    if (!picks.isEmpty())
+        modRegistry::SetValues(kSettingsKey, picks);
     if (!written.isEmpty())
         GameManifest::Record(GameFolder, written);
 }

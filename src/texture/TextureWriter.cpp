@@ -27,9 +27,6 @@ namespace {
 constexpr qint64 kDdsCopyChunk = 1024;
 // Picture rows are written in chunks of about this many bytes.
 constexpr long kImageChunkBytes = 256 * 1024;
-// CopyDdsToTexture announces an uncompressed 1024 x 1024 32-bit DDS whatever
-// it copies; the game reads the real size from the DDS header.
-constexpr qint32 kFixedPayloadSize = 4194432;
 
 QByteArray littleEndian32(const quint32* values, int count) {
     QByteArray bytes;
@@ -84,10 +81,6 @@ bool isWritableFolder(const QString& SavePath, const QString& gameFolder, bool T
         return LiesBelow(SavePath, gameFolder, kTextureFolder);
     return LiesBelow(SavePath, gameFolder, kLibraryFolders[0]) ||
            LiesBelow(SavePath, gameFolder, kLibraryFolders[1]);
-}
-
-bool isPlainName(const QString& name) {
-    return IsContainedRelative(name) && !name.contains(u'/') && !name.contains(u'\\');
 }
 
 QString withSlash(const QString& folder) {
@@ -152,29 +145,6 @@ void removeQuietly(const QString& path) {
 }
 
 } // namespace
-
-QByteArray LongToString(qint32 value) {
-    const quint32 bits = quint32(value);
-    QByteArray bytes(4, '\0');
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = char((bits >> (8 * i)) & 0xFF);
-    return bytes;
-}
-
-QByteArray TextureHeader(qint32 payloadSize, qint32 texWidth, qint32 texHeight,
-                         const QString& texPath, const QString& SaveFile) {
-    const QByteArray name = (texPath + SaveFile + QStringLiteral(".dds")).toUtf8();
-    QByteArray header;
-    header += LongToString(qint32(32 + name.size() + 1));
-    header += LongToString(payloadSize);
-    header += LongToString(texWidth);
-    header += LongToString(texHeight);
-    header += QByteArray(12, '\0');
-    header += LongToString(0x32585400); // 0x00 "TX2"
-    header += name;
-    header += '\0';
-    return header;
-}
 
 QString FindCompressor() {
     const QFileInfo beside(ProgramFolder() + QStringLiteral("/nvcompress"));
@@ -277,7 +247,7 @@ bool WriteTexture(const TextureRequest& request, const TextureContext& context, 
     const auto& [SavePath, FileName, SaveFile, texPath, cDibPointer, Width, Height, texWidth,
                  texHeight, Texture, Alpha, cDibAlpha, IsLoginScreen] = request;
     if (!cDibPointer || cDibPointer->IsEmpty() || Width <= 0 || Height <= 0 ||
-        !isPlainName(FileName) || !isWritableFolder(SavePath, context.gameFolder, Texture))
+        !IsPlainFileName(FileName) || !isWritableFolder(SavePath, context.gameFolder, Texture))
         return false;
     const cDIBSection& cDib = *cDibPointer;
 
@@ -390,34 +360,4 @@ bool WriteTexture(const TextureRequest& request, const TextureContext& context, 
     if (Texture)
         GameManifest::Record(context.gameFolder, outputName);
     return true;
-}
-
-bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,
-                      const QString& texPath) {
-    if (!isPlainName(SaveFile))
-        return false;
-    FileRecord source = OpenFileRecord(SourceFile, kGenericRead, kShareRead, kOpenExisting);
-    if (source.Handle == -1)
-        return false;
-    const qint64 sourceLength = FileRecordLength(source);
-    if (sourceLength < kSmallestLibraryEntry || sourceLength > kLargestLibraryEntry) {
-        CloseFileRecord(source);
-        return false;
-    }
-    MakePath(SavePath);
-    FileRecord output = OpenReplacingFileRecord(
-        ResolveExistingCase(withSlash(SavePath) + SaveFile + QStringLiteral(".texture")));
-    if (output.Handle == -1) {
-        CloseFileRecord(source);
-        return false;
-    }
-    const QByteArray header = TextureHeader(kFixedPayloadSize, 1024, 768, texPath, SaveFile);
-    WriteFileBytes(output, header.constData(), header.size());
-
-    // Never more than the length seen at the start, should the file grow; a
-    // copy cut short never replaces the game's texture.
-    if (CopyFileBytes(output, source, sourceLength) != sourceLength)
-        output.Failed = true;
-    CloseFileRecord(source);
-    return CommitFileRecord(output);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TextureContainer.h"
 #include "TextureRequest.h"
 #include "app/FileRecord.h"
 
@@ -54,27 +55,6 @@ TextureContext MakeTextureContext(const QString& gameFolder, bool compress);
 // bottom row, written once more than the rows missing.
 void WriteImageFile(FileRecord& record, const cDIBSection& cDib, long Width, long Height,
                     bool Alpha, const cDIBSection* cDibAlpha, bool AsTga, BusyHost& busy);
-
-// The sizes a library entry (a DDS file) may have: at least its header, and
-// far less than the largest picture the game takes.
-constexpr qint64 kSmallestLibraryEntry = 128;
-constexpr qint64 kLargestLibraryEntry = 64LL * 1024 * 1024;
-
-// Wraps an already converted DDS file into SavePath + SaveFile + ".texture"
-// as a 1024 x 768 picture, copying its bytes unchanged. False when either
-// file could not be opened or the texture not written, and when the source is
-// not a regular file of a library entry's size (see above); the old texture
-// then stays.
-bool CopyDdsToTexture(const QString& SourceFile, const QString& SaveFile, const QString& SavePath,
-                      const QString& texPath);
-
-// The four bytes of a 32-bit integer, least significant first.
-QByteArray LongToString(qint32 value);
-
-// The container header: header size, payload size, width, height, three
-// zeros, 0x00 "TX2", then texPath + SaveFile + ".dds" and a 0 byte.
-QByteArray TextureHeader(qint32 payloadSize, qint32 texWidth, qint32 texHeight,
-                         const QString& texPath, const QString& SaveFile);
 
 // The compressor to run: nvcompress in the program's folder, else on PATH;
 // "" when there is none.

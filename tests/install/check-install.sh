@@ -27,10 +27,12 @@ fail() {
 
 for file in bin/kelvaris share/kelvaris/kelvaris.csv "share/applications/$id.desktop" \
     "share/metainfo/$id.metainfo.xml" "share/icons/hicolor/scalable/apps/$id.svg" \
-    share/man/man1/kelvaris.1; do
+    share/man/man1/kelvaris.1 lib/kelvaris/kelvaris-front-ends.so; do
     [ -s "$stage/$file" ] || fail "$file is not installed"
 done
 [ -x "$stage/bin/kelvaris" ] || fail "bin/kelvaris is not executable"
+# The installed program finds its front ends where they were installed.
+"$stage/bin/kelvaris" --version >/dev/null || fail "the installed program does not run"
 
 desktop-file-validate "$stage/share/applications/$id.desktop" || fail "the desktop entry"
 appstreamcli validate --no-net "$stage/share/metainfo/$id.metainfo.xml" || fail "the metainfo"
