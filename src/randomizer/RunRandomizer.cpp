@@ -4,6 +4,7 @@
 #include "LibraryHalves.h"
 #include "RandomFile.h"
 #include "RandomizerArguments.h"
+#include "app/FileRecord.h"
 #include "app/GameManifest.h"
 #include "app/PathUtils.h"
 #include "app/StartUp.h"
@@ -12,8 +13,10 @@
 #include "texture/TextureContainer.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <future>
+#include <memory>
 #include <system_error>
 
 void RunRandomizer(const QString& GameFolder, const QString& CommandLine, UiServices& ui) {
@@ -28,11 +31,14 @@ struct HalfRun {
     QString key;
     QString pick;
     QString written;
+    // The texture that was replaced, held open so that letting go of its
+    // pages waits until the client has started.
+    std::shared_ptr<QFile> replaced;
 };
 
 HalfRun runHalf(const QString& GameFolder, LibraryHalf half, const QString& last) {
     const LibraryHalfInfo& info = HalfInfo(half);
-    HalfRun run{QString::fromLatin1(info.lastPick), QString(), QString()};
+    HalfRun run{QString::fromLatin1(info.lastPick), QString(), QString(), nullptr};
     const QString library =
         ResolveExistingCase(GameFolder + QString::fromLatin1(info.folder).chopped(1));
     if (!QFileInfo(library).isDir())
@@ -44,6 +50,9 @@ HalfRun runHalf(const QString& GameFolder, LibraryHalf half, const QString& last
         return run;
     const QString texture = ResolveExistingCase(target + QString::fromLatin1(info.screen.file) +
                                                 QStringLiteral(".texture"));
+    run.replaced = std::make_shared<QFile>();
+    if (!OpenRegularFile(*run.replaced, texture))
+        run.replaced.reset();
     if (GameManifest::KeepOriginal(GameFolder, texture) &&
         CopyDdsToTexture(library + u'/' + run.pick, QString::fromLatin1(info.screen.file),
                          ResolveExistingCase(target), QString::fromLatin1(info.screen.texPath)))
@@ -80,6 +89,8 @@ void RunRandomizer(const QString& GameFolder, const QStringList& Arguments, UiSe
     if (!GameFolder.isEmpty())
         QDir::setCurrent(GameFolder);
     LaunchChatClient(GameFolder, arguments, ui);
+    for (HalfRun& run : runs)
+        run.replaced.reset();
     // Kelvaris's own bookkeeping waits until the player's game is on its way.
     // Should it never be written, the next run may repeat a pick or keep one
     // backup more, nothing worse.
