@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <sys/stat.h>
 
 namespace {
 
@@ -71,7 +70,7 @@ TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
     EXPECT_FALSE(CopySoundFile(source, root() + "/no/such/folder/x.ogg"));
     // A FIFO is refused at once instead of waiting for a writer.
     const QString fifo = root() + "/fifo.ogg";
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(fifo));
     EXPECT_FALSE(CopySoundFile(fifo, target));
     EXPECT_EQ(readFile(target), readFile(source));
 }

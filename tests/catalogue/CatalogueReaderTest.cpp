@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <sys/stat.h>
 
 namespace {
 
@@ -152,7 +151,7 @@ TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWinsAndAMissingOneIsNamed) {
         QStringLiteral("The texture catalogue \"%1\" was not found.").arg(UserCatalogueFile()));
     // A FIFO in its place is named, not waited on.
     QDir().mkpath(configHome() + "/kelvaris");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(UserCatalogueFile()).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(UserCatalogueFile()));
     EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
     EXPECT_EQ(ReadCatalogueSelection(UserCatalogueFile(), 0).error,
               QStringLiteral("The texture catalogue \"%1\" is not a regular file.")

@@ -56,9 +56,8 @@ TEST(GameArchive, ReadsStoredAndCompressedEntriesAndTheirTextureSizes) {
     }
 }
 
-// Many entries through one reader: small ones packed close, large ones
-// leaving gaps wider than a read takes in, compressed or not, each asked for
-// its header first and then for more, as the catalogue does.
+// Many entries through one reader, small ones packed close, large ones leaving
+// wide gaps, each asked for its header first and then for more.
 TEST(GameArchive, OneReaderGivesEveryEntryAsReadingItAloneDoes) {
     QList<TestArchiveEntry> entries;
     for (int i = 0; i < 300; ++i) {

@@ -8,11 +8,8 @@
 #include "image/cDIBSection.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QImage>
 #include <functional>
-#include <sys/stat.h>
 
 namespace {
 

@@ -1,24 +1,12 @@
 #include "online/TexturesRegFile.h"
 
-#include "app/FileRecord.h"
-#include "app/modRegistry.h"
 #include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 #include "online/OnlineSettings.h"
 
-#include <QFile>
-#include <sys/stat.h>
-
 namespace {
 
 const QByteArray kHead = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n";
-
-QString value(const QString& name) {
-    return modRegistry::QueryValue(kSettingsKey, name);
-}
-void store(const QString& name, const QString& data) {
-    modRegistry::SetValue(kSettingsKey, name, data);
-}
 
 using TexturesRegFileTest = TestEnvironment;
 
@@ -44,14 +32,14 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBac
     ASSERT_EQ(readFile(path), expected);
 
     StoreClearedSelection(0);
-    store("webLink0", "http://old/x.png");
-    store("webLink3", "http://old/y.png");
+    storeSetting("webLink0", "http://old/x.png");
+    storeSetting("webLink3", "http://old/y.png");
     const TexturesImport result = ImportOnlineTextures(path);
     EXPECT_TRUE(result.problems.isEmpty()) << result.Message().toStdString();
     EXPECT_EQ(result.merged, 30);
     QStringList storedLinks;
     for (int slot = 0; slot < kDownloadSlots; ++slot)
-        storedLinks << value(OnlineValueName(OnlineValue::Link, slot));
+        storedLinks << setting(OnlineValueName(OnlineValue::Link, slot));
     EXPECT_EQ(storedLinks, links);
     EXPECT_EQ(TexturesRegText(storedLinks), expected);
 }
@@ -94,14 +82,14 @@ class ImportTest : public TestEnvironment, public ::testing::WithParamInterface<
 
 TEST_P(ImportTest, StoresOnlyTheGoodPartsAndSaysWhy) {
     const ImportCase& c = GetParam();
-    store("webPath2", "texture_library/Kept");
+    storeSetting("webPath2", "texture_library/Kept");
     const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
     EXPECT_EQ(result.merged, c.merged);
     EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
         << result.Message().toStdString();
-    EXPECT_EQ(value("webPath2"), "texture_library/Kept");
-    EXPECT_EQ(value("CohPath"), QString());
-    EXPECT_EQ(value("LastOnlineUpdate"), QString());
+    EXPECT_EQ(setting("webPath2"), "texture_library/Kept");
+    EXPECT_EQ(setting("CohPath"), QString());
+    EXPECT_EQ(setting("LastOnlineUpdate"), QString());
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, ImportTest, ::testing::ValuesIn(kImports), CaseName<ImportCase>);

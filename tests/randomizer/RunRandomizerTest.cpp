@@ -2,7 +2,6 @@
 
 #include "WineOnPath.h"
 #include "app/StartUp.h"
-#include "app/modRegistry.h"
 #include "randomizer/RandomizerArguments.h"
 
 #include <QFileInfo>
@@ -43,8 +42,8 @@ TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClientWithTheArgumentsAsT
     EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + loginEntry)));
     EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 128);
     EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith(characterEntry));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHL"), "Sunset.dds");
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHC"), "city night.dds");
+    EXPECT_EQ(setting("RandomHL"), "Sunset.dds");
+    EXPECT_EQ(setting("RandomHC"), "city night.dds");
 
     const QStringList expected = {
         game + "/paragonchat.exe", "-project", "", "say \"hi\"", "C:\\x y", ""};

@@ -1,7 +1,6 @@
 #include "texture/ScreensTab.h"
 
 #include "app/PathUtils.h"
-#include "app/modRegistry.h"
 #include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "image/SharedImages.h"
@@ -13,7 +12,6 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QScrollBar>
-#include <QTabWidget>
 
 namespace {
 
@@ -54,13 +52,13 @@ protected:
 TEST_F(ScreensTabTest, BrowsingLoadsThePictureAndAPreviewTheRightWayUp) {
     control<QLineEdit>("setWidth")->setText("1920");
     control<QLineEdit>("setHeight")->setText("1080");
-    modRegistry::SetValue(kSettingsKey, "LastImageDir", root());
+    storeSetting("LastImageDir", root());
     click("scrBrowse"); // cancelled: nothing changes
     EXPECT_FALSE(control<QPushButton>("scrSaveHL")->isEnabled());
     const QString path = browse();
     EXPECT_EQ(ui.openRequests.value(0).startFolder, root());
     EXPECT_EQ(control<QLineEdit>("scrImage")->text(), path);
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastImageDir"), root() + "/pictures");
+    EXPECT_EQ(setting("LastImageDir"), root() + "/pictures");
     SharedImages& images = form->Images();
     EXPECT_EQ(images.screenImage->Width(), 1024);
     EXPECT_EQ(images.screenImage->Height(), 768);
