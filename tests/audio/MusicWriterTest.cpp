@@ -13,8 +13,7 @@ class MusicWriterTest : public TestEnvironment {
 protected:
     void SetUp() override {
         TestEnvironment::SetUp();
-        game = root() + "/game";
-        QDir().mkpath(game);
+        game = makeGame();
         source = writeFile("song.ogg", QByteArray(40000, 'x') + "end");
     }
     QStringList written(const char* folder) const {

@@ -47,10 +47,7 @@ protected:
                 QString::fromLocal8Bit(program.readAllStandardOutput()),
                 QString::fromLocal8Bit(program.readAllStandardError())};
     }
-    QString loginTexture() const {
-        return game + QString::fromLatin1(kLoginScreen.folder) +
-               QStringLiteral("COH_LogInScreen_Background.texture");
-    }
+    QString loginTexture() const { return ScreenTextureFile(game, kLoginScreen); }
 
     QString game;
     QString picture;
@@ -176,8 +173,7 @@ TEST_F(CommandLineTest, GamesListsTheInstallationsAndGameTakesTheirNumber) {
 
     // The listed number stands for the folder.
     ASSERT_EQ(run({"screen", "login", picture, "--game", "1"}).exit, 0);
-    EXPECT_TRUE(QFileInfo::exists(folder + QString::fromLatin1(kLoginScreen.folder) +
-                                  QStringLiteral("COH_LogInScreen_Background.texture")));
+    EXPECT_TRUE(QFileInfo::exists(ScreenTextureFile(folder, kLoginScreen)));
     EXPECT_EQ(run({"status", "--game", "2"}).exit, 2);
 }
 

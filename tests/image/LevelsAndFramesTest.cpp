@@ -1,4 +1,3 @@
-#include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 #include "image/FrameOverlay.h"
 #include "image/LevelAdjust.h"
@@ -9,33 +8,24 @@
 
 namespace {
 
-struct LevelCase {
-    const char* name;
-    short black;
-    short white;
-    int in;
-    int out;
-};
-
-class Levels : public ::testing::TestWithParam<LevelCase> {};
-
-TEST_P(Levels, MapEveryByteIncludingThePadding) {
-    cDIBSection dib;
-    dib.Create(1, 1); // three colour bytes and one byte of padding
-    std::memset(dib.Row(0), GetParam().in, 4);
-    AdjustLevels(dib, GetParam().black, GetParam().white);
-    for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(dib.Row(0)[i], GetParam().out) << "byte " << i;
+// Black and white points, a byte before and after; every byte counts,
+// padding included.
+TEST(Levels, MapEveryByteIncludingThePadding) {
+    const struct {
+        short black, white;
+        int in, out;
+    } cases[] = {{0, 2, 1, 128}, // 127.5 to even
+                 {10, 20, 10, 0},   {10, 20, 15, 128}, {10, 20, 20, 255},
+                 {20, 10, 15, 255}, {20, 10, 5, 0}}; // white under black
+    for (const auto& c : cases) {
+        cDIBSection dib;
+        dib.Create(1, 1); // three colour bytes and one byte of padding
+        std::memset(dib.Row(0), c.in, 4);
+        AdjustLevels(dib, c.black, c.white);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(dib.Row(0)[i], c.out) << c.black << " " << c.white << " " << c.in;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Values, Levels,
-                         ::testing::Values(LevelCase{"127.5 to even", 0, 2, 1, 128},
-                                           LevelCase{"at black", 10, 20, 10, 0},
-                                           LevelCase{"between", 10, 20, 15, 128},
-                                           LevelCase{"at white", 10, 20, 20, 255},
-                                           LevelCase{"white under black, high", 20, 10, 15, 255},
-                                           LevelCase{"white under black, low", 20, 10, 5, 0}),
-                         CaseName<LevelCase>);
 
 // A picture one row high.
 QImage rowImage(const QList<QRgb>& row) {

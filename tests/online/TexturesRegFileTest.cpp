@@ -1,6 +1,5 @@
 #include "online/TexturesRegFile.h"
 
-#include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 #include "online/OnlineSettings.h"
 
@@ -50,9 +49,6 @@ struct ImportCase {
     int merged;          // values stored
     const char* message; // part of the message shown to the player
 };
-void PrintTo(const ImportCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 const ImportCase kImports[] = {
     {"OneValue", kHead + "\"webLink4\"=\"x\"\r\n", 1, "1 online texture setting(s) were imported."},
@@ -78,20 +74,18 @@ const ImportCase kImports[] = {
     {"BrokenLines", kHead + "webName1=x\r\n\"webName1\r\n\"webName0\"=\"ok\"\r\n", 1, "2 line(s)"},
 };
 
-class ImportTest : public TestEnvironment, public ::testing::WithParamInterface<ImportCase> {};
-
-TEST_P(ImportTest, StoresOnlyTheGoodPartsAndSaysWhy) {
-    const ImportCase& c = GetParam();
+TEST_F(TexturesRegFileTest, ImportStoresOnlyTheGoodPartsAndSaysWhy) {
     storeSetting("webPath2", "texture_library/Kept");
-    const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
-    EXPECT_EQ(result.merged, c.merged);
-    EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
-        << result.Message().toStdString();
-    EXPECT_EQ(setting("webPath2"), "texture_library/Kept");
-    EXPECT_EQ(setting("CohPath"), QString());
-    EXPECT_EQ(setting("LastOnlineUpdate"), QString());
+    for (const ImportCase& c : kImports) {
+        SCOPED_TRACE(c.name);
+        const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
+        EXPECT_EQ(result.merged, c.merged);
+        EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
+            << result.Message().toStdString();
+        EXPECT_EQ(setting("webPath2"), "texture_library/Kept");
+        EXPECT_EQ(setting("CohPath"), QString());
+        EXPECT_EQ(setting("LastOnlineUpdate"), QString());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Files, ImportTest, ::testing::ValuesIn(kImports), CaseName<ImportCase>);
 
 } // namespace
