@@ -129,6 +129,11 @@ TEST_F(TexturesTabTest, SavesTheSelectedTextureOrTheWholeCategoryWithTheMaskAsAl
         EXPECT_NEAR(qAlpha(written.pixel(e.width - 2, e.height / 2)), 200, 2);
         EXPECT_EQ(written.pixel(e.width - 2, e.height / 2) & 0xFFFFFF, 0xC86432u);
     }
+    // Restoring the shown texture shows the game's own again.
+    ui.answers.push_back(MsgAnswer::Yes);
+    control<QCheckBox>("texWriteAll")->setChecked(false);
+    click("texReset");
+    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
 }
 
 TEST_F(TexturesTabTest, FailuresAreToldAndWriteNothing) {
