@@ -6,7 +6,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <sys/stat.h>
 
 namespace {
 
@@ -53,7 +52,7 @@ TEST_F(FileRecordTest, OnlyRegularFilesAreReadAndNeverPastTheirBound) {
     EXPECT_TRUE(IsRegularFile(link));
 
     const QString fifo = root() + QStringLiteral("/fifo");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(fifo));
     const QString fifoLink = root() + QStringLiteral("/fifo-link");
     QFile::link(fifo, fifoLink);
     for (const QString& path : QStringList{fifo, fifoLink, QStringLiteral("/dev/zero"), root(),

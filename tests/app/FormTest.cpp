@@ -1,7 +1,6 @@
 #include "app/ControlTag.h"
 #include "app/Form1.h"
 #include "app/SettingsTab.h"
-#include "app/modRegistry.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 
@@ -22,13 +21,6 @@ protected:
         form->SetClock([this] { return now; });
         return form;
     }
-    static QString value(const char* name) { return modRegistry::QueryValue(kSettingsKey, name); }
-    static void store(const char* name, const char* data) {
-        modRegistry::SetValue(kSettingsKey, name, data);
-    }
-    static void storeGameKey(const char* name, const char* data) {
-        modRegistry::SetValue("Software\\Cryptic\\Coh", name, data);
-    }
     template <typename T> static T* control(Form1& form, const char* name) {
         return form.findChild<T*>(QString::fromLatin1(name));
     }
@@ -38,10 +30,10 @@ protected:
 };
 
 TEST_F(FormTest, SettingsRoundTripThroughStartAndClose) {
-    store("CohPath", "/games/coh");
-    store("CohWidth", "1920");
-    store("TextureCompression", "1");
-    store("CohRegKey", "CohTest");
+    storeSetting("CohPath", "/games/coh");
+    storeSetting("CohWidth", "1920");
+    storeSetting("TextureCompression", "1");
+    storeSetting("CohRegKey", "CohTest");
     writeFile("cache/kelvaris/converted.ogg", "OggS");
     {
         auto form = makeForm();
@@ -57,12 +49,12 @@ TEST_F(FormTest, SettingsRoundTripThroughStartAndClose) {
         form->Unload();
         EXPECT_TRUE(form->IsUnloaded());
     }
-    EXPECT_EQ(value("CohHeight"), QStringLiteral("1200"));
-    EXPECT_EQ(value("CohWidth"), QString());
-    EXPECT_EQ(value("TextureCompression"), QStringLiteral("0"));
-    EXPECT_EQ(value("CohAuto"), QStringLiteral("0"));
-    EXPECT_EQ(value("CohRegKey"), QStringLiteral("CohTest"));
-    EXPECT_EQ(value("CohPath"), QStringLiteral("/games/coh"));
+    EXPECT_EQ(setting("CohHeight"), QStringLiteral("1200"));
+    EXPECT_EQ(setting("CohWidth"), QString());
+    EXPECT_EQ(setting("TextureCompression"), QStringLiteral("0"));
+    EXPECT_EQ(setting("CohAuto"), QStringLiteral("0"));
+    EXPECT_EQ(setting("CohRegKey"), QStringLiteral("CohTest"));
+    EXPECT_EQ(setting("CohPath"), QStringLiteral("/games/coh"));
     // Closing deletes the converted music.
     EXPECT_FALSE(QFile::exists(cacheHome() + "/kelvaris/converted.ogg"));
 }
@@ -131,13 +123,13 @@ TEST_F(FormTest, RandomizerModeEndsByItselfWithoutSaving) {
     capital->Form_Load();
     EXPECT_FALSE(capital->RandomizerMode());
 
-    store("LastOnlineUpdate", "never");
+    storeSetting("LastOnlineUpdate", "never");
     auto form = makeForm({"-x", "--x=-randomizer-y", "1"}); // found anywhere in the line
     form->Form_Load();
     EXPECT_TRUE(form->RandomizerMode());
     EXPECT_TRUE(form->IsUnloaded());
     EXPECT_FALSE(form->isVisible());
-    EXPECT_EQ(value("CohAuto"), QString()); // nothing saved
+    EXPECT_EQ(setting("CohAuto"), QString()); // nothing saved
     EXPECT_TRUE(QFile::exists(cacheHome() + "/kelvaris/converted.ogg"));
     // The busy state shows nothing in this mode.
     form->SetBusy(true, false, 5, "x");

@@ -4,25 +4,25 @@
 #include "common/LauncherFixtures.h"
 #include "common/TestEnvironment.h"
 
-#include <QDir>
-#include <QFile>
-
 namespace {
 
 using namespace LauncherFixtures;
 
 // One launcher's layout in the home folder and the installation it gives.
-// Expected paths are relative to the test's temporary folder, whose "home"
-// is $HOME; a runner program without "/" is a name looked up on PATH.
-struct LayoutCase {
-    std::string name;
-    Layout layout;
+// Paths are relative to the test's temporary folder, whose "home" is $HOME,
+// the game folder to the prefix; a runner without "/" is looked up on PATH.
+struct Found {
     const char* launcher;
     const char* prefix;
     const char* gameFolder;
     const char* program;
     const char* bottle = ""; // set for a runner through bottles-cli
     QSize screen = {};
+};
+struct LayoutCase {
+    std::string name;
+    Layout layout;
+    Found found;
     const char* winePrefixVariable = ""; // $WINEPREFIX, when set
 };
 
@@ -32,20 +32,12 @@ const LayoutCase kLayouts[] = {
     {"WINEPREFIX, folder from user.reg in another letter case",
      {{Prefix, "home/prefixes/coh", GameRegistry("C:\\GAMES\\city of heroes", 1920, 1080)},
       {Folder, "home/prefixes/coh/drive_c/Games/City of Heroes"}},
-     "Wine",
-     "home/prefixes/coh",
-     "home/prefixes/coh/drive_c/Games/City of Heroes",
-     "wine",
-     "",
-     QSize(1920, 1080),
+     {"Wine", "home/prefixes/coh", "drive_c/Games/City of Heroes", "wine", "", {1920, 1080}},
      "home/prefixes/coh"},
     {"~/.wine, game found below drive_c in any letter case",
      {{Prefix, "home/.wine"},
       {File, "home/.wine/drive_c/Program Files/CoH/CityOfHeroes.EXE", "MZ"}},
-     "Wine",
-     "home/.wine",
-     "home/.wine/drive_c/Program Files/CoH",
-     "wine"},
+     {"Wine", "home/.wine", "drive_c/Program Files/CoH", "wine"}},
     {"Lutris with its own Wine runner",
      {{Prefix, "home/Games/coh"},
       {File, "home/Games/coh/drive_c/CoH/paragonchat.exe", "MZ"},
@@ -55,29 +47,22 @@ const LayoutCase kLayouts[] = {
        "  prefix: ROOT/home/Games/coh  # the game's prefix\n"
        "name: City of Heroes\nrunner: wine\nsystem:\n  env:\n    version: not-this\n"
        "wine:\n  dxvk: true\n  version: 'lutris-7.2-x86_64'\n"}},
-     "Lutris",
-     "home/Games/coh",
-     "home/Games/coh/drive_c/CoH",
-     "home/.local/share/lutris/runners/wine/lutris-7.2-x86_64/bin/wine"},
+     {"Lutris", "home/Games/coh", "drive_c/CoH",
+      "home/.local/share/lutris/runners/wine/lutris-7.2-x86_64/bin/wine"}},
     {"Bottles with its runner",
      {{Prefix, kBottles + "bottles/CoH"},
       {File, kBottles + "bottles/CoH/bottle.yml",
        "Arch: win64\nName: City of Heroes\nRunner: caffe-7.20\nPath: CoH\n"},
       {File, kBottles + "bottles/CoH/drive_c/Games/CoH/cityofheroes.exe", "MZ"},
       {Program, kBottles + "runners/caffe-7.20/bin/wine"}},
-     "Bottles",
-     "home/.local/share/bottles/bottles/CoH",
-     "home/.local/share/bottles/bottles/CoH/drive_c/Games/CoH",
-     "home/.local/share/bottles/runners/caffe-7.20/bin/wine"},
+     {"Bottles", "home/.local/share/bottles/bottles/CoH", "drive_c/Games/CoH",
+      "home/.local/share/bottles/runners/caffe-7.20/bin/wine"}},
     {"Bottles without its runner goes through bottles-cli",
      {{Prefix, kBottles + "bottles/Heroes", GameRegistry("C:\\CoH")},
       {Folder, kBottles + "bottles/Heroes/drive_c/CoH"},
       {File, kBottles + "bottles/Heroes/bottle.yml", "Runner: soda-9.0\n"}},
-     "Bottles",
-     "home/.local/share/bottles/bottles/Heroes",
-     "home/.local/share/bottles/bottles/Heroes/drive_c/CoH",
-     "bottles-cli",
-     "Heroes"},
+     {"Bottles", "home/.local/share/bottles/bottles/Heroes", "drive_c/CoH", "bottles-cli",
+      "Heroes"}},
     {"Steam library from libraryfolders.vdf, Proton named by version",
      {{File, "home/.steam/steam/steamapps/libraryfolders.vdf",
        "\"libraryfolders\"\n{\n\t\"0\"\n\t{\n\t\t\"path\"\t\t\"ROOT/home/.steam/steam\"\n\t}\n"
@@ -88,10 +73,8 @@ const LayoutCase kLayouts[] = {
        "MZ"},
       {File, "disk/Steam Library/steamapps/compatdata/7/version", "GE-Proton8-25\n"},
       {Program, "home/.steam/steam/compatibilitytools.d/GE-Proton8-25/dist/bin/wine"}},
-     "Steam",
-     "disk/Steam Library/steamapps/compatdata/7/pfx",
-     "disk/Steam Library/steamapps/compatdata/7/pfx/drive_c/a/b/c/d",
-     "home/.steam/steam/compatibilitytools.d/GE-Proton8-25/dist/bin/wine"},
+     {"Steam", "disk/Steam Library/steamapps/compatdata/7/pfx", "drive_c/a/b/c/d",
+      "home/.steam/steam/compatibilitytools.d/GE-Proton8-25/dist/bin/wine"}},
     {"Heroic with the game's Wine from GamesConfig",
      {{Prefix, "home/Games/Heroic/Prefixes/CoH", GameRegistry("C:\\Games\\CoH", 1024, 768)},
       {Folder, "home/Games/Heroic/Prefixes/CoH/drive_c/Games/CoH"},
@@ -103,12 +86,12 @@ const LayoutCase kLayouts[] = {
        "{\"abc123\": {\"winePrefix\": \"ROOT/home/Games/Heroic/Prefixes/CoH\", \"wineVersion\": "
        "{\"bin\": \"ROOT/home/.config/heroic/tools/wine/Wine-GE/bin/wine\", \"type\": "
        "\"wine\"}}}"}},
-     "Heroic",
-     "home/Games/Heroic/Prefixes/CoH",
-     "home/Games/Heroic/Prefixes/CoH/drive_c/Games/CoH",
-     "home/.config/heroic/tools/wine/Wine-GE/bin/wine",
-     "",
-     QSize(1024, 768)},
+     {"Heroic",
+      "home/Games/Heroic/Prefixes/CoH",
+      "drive_c/Games/CoH",
+      "home/.config/heroic/tools/wine/Wine-GE/bin/wine",
+      "",
+      {1024, 768}}},
 };
 
 class LauncherLayout : public TestEnvironment, public ::testing::WithParamInterface<LayoutCase> {
@@ -122,24 +105,22 @@ protected:
 
 TEST_P(LauncherLayout, GivesTheInstallationWithItsRunner) {
     const LayoutCase& c = GetParam();
+    const Found& f = c.found;
     if (*c.winePrefixVariable)
         qputenv("WINEPREFIX", at(c.winePrefixVariable).toUtf8());
     Lay(root(), c.layout);
     const QList<GameInstallation> found = FindGameInstallations();
     ASSERT_EQ(found.size(), 1);
     const GameInstallation& game = found[0];
-    EXPECT_EQ(game.launcher, QString::fromLatin1(c.launcher));
-    EXPECT_EQ(game.prefix, at(c.prefix));
-    EXPECT_EQ(game.gameFolder, at(c.gameFolder));
-    const QString program = QString::fromLatin1(c.program);
-    EXPECT_EQ(game.runner.program, program.contains(u'/') ? at(c.program) : program);
-    EXPECT_EQ(game.runner.kind, *c.bottle ? GameRunner::Kind::Bottles : GameRunner::Kind::Wine);
-    EXPECT_EQ(game.runner.bottle, QString::fromLatin1(c.bottle));
-    EXPECT_EQ(game.runner.programArguments,
-              program == u"flatpak"
-                  ? QStringList({"run", "--command=bottles-cli", "com.usebottles.bottles"})
-                  : QStringList());
-    EXPECT_EQ(game.screen.value_or(QSize()), c.screen);
+    EXPECT_EQ(game.launcher, QString::fromLatin1(f.launcher));
+    EXPECT_EQ(game.prefix, at(f.prefix));
+    EXPECT_EQ(game.gameFolder, at(f.prefix) + u'/' + QString::fromLatin1(f.gameFolder));
+    const QString program = QString::fromLatin1(f.program);
+    EXPECT_EQ(game.runner.program, program.contains(u'/') ? at(f.program) : program);
+    EXPECT_EQ(game.runner.kind, *f.bottle ? GameRunner::Kind::Bottles : GameRunner::Kind::Wine);
+    EXPECT_EQ(game.runner.bottle, QString::fromLatin1(f.bottle));
+    EXPECT_TRUE(game.runner.programArguments.isEmpty());
+    EXPECT_EQ(game.screen.value_or(QSize()), f.screen);
     // Every launcher's prefix is also found from its game folder.
     QString prefix;
     EXPECT_EQ(RunnerForGameFolder(game.gameFolder, &prefix), game.runner);

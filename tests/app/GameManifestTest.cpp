@@ -19,8 +19,7 @@ class GameManifestTest : public TestEnvironment {
 protected:
     void SetUp() override {
         TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/game");
-        QDir().mkpath(game);
+        game = makeGame();
         picture.CreateFromPicture(GradientImage(32, 32));
     }
     bool writeIcon() {

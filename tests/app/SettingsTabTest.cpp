@@ -5,7 +5,6 @@
 #include "common/LauncherFixtures.h"
 #include "common/TestEnvironment.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>

@@ -7,8 +7,6 @@
 #include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 
-#include <QFile>
-
 namespace {
 
 class ConversionTest : public TestEnvironment {

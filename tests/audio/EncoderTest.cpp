@@ -36,9 +36,8 @@ protected:
     clsEncoderOGG encoder;
 };
 
-// Starting a second stream finishes the first. ogginfo checks the framing
-// (headers on pages of their own, start and end flags); the length to the
-// millisecond shows every frame came through.
+// Starting a second stream finishes the first. ogginfo checks the framing; the
+// length to the millisecond shows every frame came through.
 TEST_F(EncoderTest, WritesWhatAnIndependentReaderAccepts) {
     ASSERT_TRUE(encode(out("stereo.ogg"), 44100, 2, 3, false));
     ASSERT_TRUE(encode(out("mono.ogg"), 22050, 1, 1.5));

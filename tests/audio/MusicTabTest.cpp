@@ -2,7 +2,6 @@
 
 #include "SoundFixtures.h"
 #include "app/PathUtils.h"
-#include "app/modRegistry.h"
 #include "audio/MusicTables.h"
 #include "common/FormFixture.h"
 
@@ -11,7 +10,6 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTimer>
 
 namespace {
 
@@ -42,12 +40,12 @@ protected:
 };
 
 TEST_F(MusicTabTest, BrowseTakesADecodableFileAndRemembersItsFolder) {
-    modRegistry::SetValue(kSettingsKey, "LastSoundDir", "/music");
+    storeSetting("LastSoundDir", "/music");
     browse(QString()); // cancelled: the folder is kept
     browse(Sound("tone.mp3"));
     EXPECT_EQ(ui.openRequests.last().startFolder, "/music");
     EXPECT_EQ(sndFile()->text(), Sound("tone.mp3"));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastSoundDir"), ReturnPath(Sound("tone.mp3")));
+    EXPECT_EQ(setting("LastSoundDir"), ReturnPath(Sound("tone.mp3")));
     browse(Sound("text.wav"));
     ASSERT_EQ(ui.messages.size(), 1);
     EXPECT_TRUE(ui.messages[0].text.startsWith("No suitable decoder"));

@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <sys/stat.h>
 
 namespace {
 
@@ -14,8 +13,7 @@ class MusicWriterTest : public TestEnvironment {
 protected:
     void SetUp() override {
         TestEnvironment::SetUp();
-        game = root() + "/game";
-        QDir().mkpath(game);
+        game = makeGame();
         source = writeFile("song.ogg", QByteArray(40000, 'x') + "end");
     }
     QStringList written(const char* folder) const {
@@ -71,7 +69,7 @@ TEST_F(MusicWriterTest, CopyReplacesTheTargetWholeOrNotAtAll) {
     EXPECT_FALSE(CopySoundFile(source, root() + "/no/such/folder/x.ogg"));
     // A FIFO is refused at once instead of waiting for a writer.
     const QString fifo = root() + "/fifo.ogg";
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(fifo));
     EXPECT_FALSE(CopySoundFile(fifo, target));
     EXPECT_EQ(readFile(target), readFile(source));
 }

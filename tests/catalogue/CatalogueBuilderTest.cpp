@@ -6,9 +6,6 @@
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
 
-#include <QFileInfo>
-#include <sys/stat.h>
-
 namespace {
 
 const QString kPowers = "texture_library/GUI/Icons/Powers/";
@@ -127,7 +124,7 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     writeFile("CoH/piggs/broken.pigg", broken);
     // A FIFO among the archives, and a link to it, are passed over unread.
     const QString fifo = game() + "/piggs/waiting.pigg";
-    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(fifo));
     QFile::link(fifo, game() + "/piggs/link.pigg");
     QByteArray headless = MakeTestTexture(8, 8, false);
     headless.replace("DDS ", "XXXX");

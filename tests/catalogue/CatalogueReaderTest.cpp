@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <sys/stat.h>
 
 namespace {
 
@@ -92,56 +91,38 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     EXPECT_EQ(readFile(file), before);
 }
 
-struct HostileCase {
-    const char* label;
-    QByteArray text;
-    const char* error; // part of the message
-    int categories;    // categories still listed
-    int textures;      // textures of category 0 still usable
-};
-
-class HostileCatalogue : public CatalogueReaderTest,
-                         public ::testing::WithParamInterface<HostileCase> {};
-
-TEST_P(HostileCatalogue, GivesOneClearMessageAndKeepsWhatItCould) {
-    const HostileCase& c = GetParam();
-    const CatalogueSelection selection = ReadCatalogueSelection(catalogue(c.text), 0);
-    EXPECT_TRUE(selection.error.startsWith("The texture catalogue \""));
-    EXPECT_TRUE(selection.error.contains(QString::fromUtf8(c.error)))
-        << selection.error.toStdString();
-    EXPECT_EQ(selection.categories.size(), c.categories);
-    EXPECT_EQ(selection.Count(), c.textures);
-    // The same message whichever category is shown.
-    EXPECT_EQ(ReadCatalogueSelection(catalogue(c.text), 1).error, selection.error);
+// A catalogue's text, part of the message it gives, and the categories and
+// textures of category 0 still usable.
+TEST_F(CatalogueReaderTest, HostileCataloguesGiveOneClearMessageAndKeepWhatTheyCould) {
+    const QByteArray record = "\"T\",64,64,\"texture_library/GUI/x\",\"t\"\n";
+    const struct {
+        QByteArray text;
+        const char* error;
+        int categories, textures;
+    } cases[] = {
+        {"", "is empty", 0, 0},
+        {"-1\r\n", "negative number for the number of categories", 0, 0},
+        {"1\n\"A\",30000\n" + record + record + record,
+         "ends before the name of texture 4 of 30000 in \"A\"", 1, 3},
+        {"1\n\"A\",2\n" + record + "\"U\",32", "ends before the size of texture 2 of 2", 1, 1},
+        {"1\n\"A\",1\n\"T,64,64,f,g\n", "never closed, at line 3", 1, 0},
+        {"1\n\"A\",3\n" + record + "\"Up\",8,8,\"texture_library/../../../etc\",\"x\"\n" + record,
+         "1 texture(s)", 1, 2}, // a folder leaving the game
+        {"1\n\"A\",3\n\"F\",8,8,\"texture_library\",\"../x\"\n\"G\",8,8,\"a\",\"b/c\"\n" + record,
+         "2 texture(s)", 1, 1}, // files leaving their folder
+        {"1\n\"A\",3\n\"Z\",0,8,\"a\",\"b\"\n\"N\",-8,8,\"a\",\"b\"\n" + record,
+         "size is not positive", 1, 1}};
+    for (const auto& c : cases) {
+        const CatalogueSelection selection = ReadCatalogueSelection(catalogue(c.text), 0);
+        EXPECT_TRUE(selection.error.startsWith("The texture catalogue \""));
+        EXPECT_TRUE(selection.error.contains(QString::fromUtf8(c.error)))
+            << selection.error.toStdString();
+        EXPECT_EQ(selection.categories.size(), c.categories) << c.error;
+        EXPECT_EQ(selection.Count(), c.textures) << c.error;
+        // The same message whichever category is shown.
+        EXPECT_EQ(ReadCatalogueSelection(catalogue(c.text), 1).error, selection.error);
+    }
 }
-
-const QByteArray kRecord = "\"T\",64,64,\"texture_library/GUI/x\",\"t\"\n";
-
-INSTANTIATE_TEST_SUITE_P(
-    Catalogue, HostileCatalogue,
-    ::testing::Values(
-        HostileCase{"empty", "", "is empty", 0, 0},
-        HostileCase{"negative categories", "-1\r\n", "negative number for the number of categories",
-                    0, 0},
-        HostileCase{"hostile texture count", "1\n\"A\",30000\n" + kRecord + kRecord + kRecord,
-                    "ends before the name of texture 4 of 30000 in \"A\"", 1, 3},
-        HostileCase{"truncated record", "1\n\"A\",2\n" + kRecord + "\"U\",32",
-                    "ends before the size of texture 2 of 2", 1, 1},
-        HostileCase{"unclosed quote", "1\n\"A\",1\n\"T,64,64,f,g\n", "never closed, at line 3", 1,
-                    0},
-        HostileCase{"folder leaving the game",
-                    "1\n\"A\",3\n" + kRecord +
-                        "\"Up\",8,8,\"texture_library/../../../etc\",\"x\"\n" + kRecord,
-                    "1 texture(s)", 1, 2},
-        HostileCase{
-            "file leaving its folder",
-            "1\n\"A\",3\n\"F\",8,8,\"texture_library\",\"../x\"\n\"G\",8,8,\"a\",\"b/c\"\n" +
-                kRecord,
-            "2 texture(s)", 1, 1},
-        HostileCase{"sizes not positive",
-                    "1\n\"A\",3\n\"Z\",0,8,\"a\",\"b\"\n\"N\",-8,8,\"a\",\"b\"\n" + kRecord,
-                    "size is not positive", 1, 1}),
-    [](const auto& info) { return std::to_string(info.index); });
 
 TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWinsAndAMissingOneIsNamed) {
     EXPECT_EQ(UserCatalogueFile(), configHome() + "/kelvaris/kelvaris.csv");
@@ -152,7 +133,7 @@ TEST_F(CatalogueReaderTest, ThePlayersOwnCatalogueWinsAndAMissingOneIsNamed) {
         QStringLiteral("The texture catalogue \"%1\" was not found.").arg(UserCatalogueFile()));
     // A FIFO in its place is named, not waited on.
     QDir().mkpath(configHome() + "/kelvaris");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(UserCatalogueFile()).constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(UserCatalogueFile()));
     EXPECT_EQ(CatalogueFile(), ShippedCatalogueFile());
     EXPECT_EQ(ReadCatalogueSelection(UserCatalogueFile(), 0).error,
               QStringLiteral("The texture catalogue \"%1\" is not a regular file.")

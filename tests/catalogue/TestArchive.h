@@ -17,9 +17,8 @@ struct TestArchiveEntry {
 // entries' data (zlib streams for compressed entries).
 QByteArray MakeTestArchive(const QList<TestArchiveEntry>& entries);
 
-// A ".texture" file of the given size: the 32-byte header (with the "TX2"
-// mark unless `withMark` is false, in which case the header's own size
-// fields are 0), an internal name, a DDS header and `payloadBytes` of pixels.
+// A ".texture" file: the 32-byte header (without `withMark`, no "TX2" mark and
+// sizes 0), an internal name, a DDS header and `payloadBytes` of pixels.
 QByteArray MakeTestTexture(int width, int height, bool withMark = true, int payloadBytes = 256);
 
 // Little-endian helpers for building hostile archives by hand.

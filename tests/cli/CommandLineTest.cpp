@@ -1,5 +1,4 @@
 #include "app/BusyHost.h"
-#include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/LauncherFixtures.h"
 #include "common/TestEnvironment.h"
@@ -13,17 +12,17 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QThread>
 
 namespace {
 
 // The real program, started as a player's script would start it: no display
-// of any kind in its environment.
+// of any kind in its environment, the test's "bin" first on PATH.
 class CommandLineTest : public TestEnvironment {
 protected:
     void SetUp() override {
         TestEnvironment::SetUp();
-        game = root() + QStringLiteral("/game");
-        QDir().mkpath(game);
+        game = makeGame();
         picture = root() + QStringLiteral("/picture.png");
         GradientImage(320, 200).save(picture);
     }
@@ -33,13 +32,14 @@ protected:
         QString out;
         QString err;
     };
-    Run run(QStringList arguments) {
+    Run run(QStringList arguments, bool withGame = true) {
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(QString::fromLatin1(name));
+        environment.insert("PATH", root() + "/bin:" + environment.value("PATH"));
         program.setProcessEnvironment(environment);
-        if (!arguments.contains(QStringLiteral("--game")))
+        if (withGame && !arguments.contains(QStringLiteral("--game")))
             arguments << QStringLiteral("--game") << game;
         program.start(QStringLiteral(KELVARIS_PROGRAM), arguments);
         program.waitForFinished(120000);
@@ -47,41 +47,23 @@ protected:
                 QString::fromLocal8Bit(program.readAllStandardOutput()),
                 QString::fromLocal8Bit(program.readAllStandardError())};
     }
-    QString loginTexture() const {
-        return game + QString::fromLatin1(kLoginScreen.folder) +
-               QStringLiteral("COH_LogInScreen_Background.texture");
-    }
+    QString loginTexture() const { return ScreenTextureFile(game, kLoginScreen); }
 
     QString game;
     QString picture;
 };
 
-struct UsageCase {
-    const char* name;
-    QStringList arguments;
-};
-void PrintTo(const UsageCase& c, std::ostream* os) {
-    *os << c.name;
-}
-
-class UsageErrors : public CommandLineTest, public ::testing::WithParamInterface<UsageCase> {};
-
-TEST_P(UsageErrors, ExitWithTwoAndTheUsage) {
-    const Run result = run(GetParam().arguments);
-    EXPECT_EQ(result.exit, 2) << result.err.toStdString();
-    EXPECT_TRUE(result.err.contains(QStringLiteral("Usage:")));
+TEST_F(CommandLineTest, TyposExitWithTwoAndTheUsage) {
+    for (const QStringList& arguments :
+         {QStringList{"paint"}, QStringList{"screen", "credits", "x.png"},
+          QStringList{"screen", "login", "x.png", "--levels", "0", "300"},
+          QStringList{"music", "a.ogg", "elevator"}, QStringList{"online", "clear", "6"}}) {
+        const Run result = run(arguments);
+        EXPECT_EQ(result.exit, 2) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(result.err.contains(QStringLiteral("Usage:")));
+    }
     EXPECT_TRUE(QDir(game).isEmpty());
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Typos, UsageErrors,
-    ::testing::Values(UsageCase{"unknownCommand", {"paint"}},
-                      UsageCase{"screenOfNoKind", {"screen", "credits", "x.png"}},
-                      UsageCase{"levelsOutOfRange",
-                                {"screen", "login", "x.png", "--levels", "0", "300"}},
-                      UsageCase{"unknownMusicTarget", {"music", "a.ogg", "elevator"}},
-                      UsageCase{"slotOutOfRange", {"online", "clear", "6"}}),
-    CaseName<UsageCase>);
 
 TEST_F(CommandLineTest, HelpNamesEveryCommand) {
     const Run help = run({"--help"});
@@ -112,14 +94,16 @@ TEST_F(CommandLineTest, AScreenIsTheSameBytesAsTheWindowWrites) {
     EXPECT_TRUE(bad.err.contains(QStringLiteral("Image could not be loaded.")));
 }
 
-TEST_F(CommandLineTest, LibraryTextureAndMusicRoundTrips) {
-    // Library: a picture added is listed.
+// Each command's change, then a restore that undoes every one and gives back
+// what was replaced.
+TEST_F(CommandLineTest, LibraryTextureMusicAndRestoreRoundTrip) {
+    const QString own = writeFile(QStringLiteral("game/data/sound/Ogg/FrontEnd/H_music1_loop.ogg"),
+                                  "OggS the player's own");
     ASSERT_EQ(run({"library", "add", "character", picture}).exit, 0);
     EXPECT_EQ(run({"library", "list", "character"}).out,
               QStringLiteral("character\tpicture.png.dds\n"));
 
-    // A catalogue texture: written, then restored only when the question is
-    // answered.
+    // A catalogue texture: restored only when the question is answered.
     ASSERT_EQ(run({"texture", "set", "Backgrounds", "Login screen", picture}).exit, 0);
     EXPECT_TRUE(QFileInfo::exists(loginTexture()));
     EXPECT_TRUE(run({"texture", "list", "1"}).out.contains(QStringLiteral("\treplaced")));
@@ -131,12 +115,11 @@ TEST_F(CommandLineTest, LibraryTextureAndMusicRoundTrips) {
     EXPECT_FALSE(QFileInfo::exists(loginTexture()));
 
     // Music: an Ogg file is copied as it is to every file of its targets.
-    const QString ogg = writeFile(QStringLiteral("song.ogg"), "OggS and the rest");
+    const QString ogg = writeFile(QStringLiteral("song.ogg"), "OggS Kelvaris's");
     ASSERT_EQ(run({"music", ogg, "hero-login", "boombox:Altitude"}).exit, 0);
-    EXPECT_EQ(readFile(game + QStringLiteral("/data/sound/Ogg/FrontEnd/H_music2_loop.ogg")),
-              QByteArray("OggS and the rest"));
-    EXPECT_EQ(readFile(game + QStringLiteral("/data/sound/Ogg/BoomBox/Track9_loop.ogg")),
-              QByteArray("OggS and the rest"));
+    const QString boombox = game + QStringLiteral("/data/sound/Ogg/BoomBox/Track9_loop.ogg");
+    EXPECT_EQ(readFile(own), QByteArray("OggS Kelvaris's"));
+    EXPECT_EQ(readFile(boombox), QByteArray("OggS Kelvaris's"));
 
     // Status lists what is there now.
     const QJsonObject status =
@@ -144,8 +127,20 @@ TEST_F(CommandLineTest, LibraryTextureAndMusicRoundTrips) {
     EXPECT_EQ(status.value(QStringLiteral("game")).toString(), game);
     const QString files = QString::fromUtf8(QJsonDocument(status).toJson());
     EXPECT_TRUE(files.contains(QStringLiteral("Kelvaris/RandomHC/picture.png.dds")));
-    EXPECT_TRUE(files.contains(QStringLiteral("data/sound/Ogg/FrontEnd/H_music1_loop.ogg")));
+    EXPECT_TRUE(files.contains(QStringLiteral("data/sound/Ogg/FrontEnd/H_music2_loop.ogg")));
     EXPECT_FALSE(files.contains(QStringLiteral("COH_LogInScreen_Background")));
+
+    ASSERT_EQ(run({"screen", "login", picture}).exit, 0);
+    EXPECT_EQ(run({"restore", "--all"}).exit, 1); // asks first
+    EXPECT_EQ(readFile(own), QByteArray("OggS Kelvaris's"));
+    const Run restored = run({"restore", "--all", "--yes"});
+    EXPECT_EQ(restored.exit, 0) << restored.err.toStdString();
+    EXPECT_EQ(readFile(own), QByteArray("OggS the player's own"));
+    EXPECT_FALSE(QFileInfo::exists(loginTexture()));
+    EXPECT_FALSE(QFileInfo::exists(boombox));
+    // The library is Kelvaris's own and stays.
+    EXPECT_EQ(run({"library", "list", "character"}).out,
+              QStringLiteral("character\tpicture.png.dds\n"));
 }
 
 TEST_F(CommandLineTest, SettingsAndOnlineSlotsGoToTheStore) {
@@ -178,29 +173,30 @@ TEST_F(CommandLineTest, GamesListsTheInstallationsAndGameTakesTheirNumber) {
 
     // The listed number stands for the folder.
     ASSERT_EQ(run({"screen", "login", picture, "--game", "1"}).exit, 0);
-    EXPECT_TRUE(QFileInfo::exists(folder + QString::fromLatin1(kLoginScreen.folder) +
-                                  QStringLiteral("COH_LogInScreen_Background.texture")));
+    EXPECT_TRUE(QFileInfo::exists(ScreenTextureFile(folder, kLoginScreen)));
     EXPECT_EQ(run({"status", "--game", "2"}).exit, 2);
 }
 
-TEST_F(CommandLineTest, RestoreUndoesEveryChangeAndGivesBackWhatWasReplaced) {
-    const QString own = writeFile(QStringLiteral("game/data/sound/Ogg/FrontEnd/H_music1_loop.ogg"),
-                                  "OggS the player's own");
-    const QString ogg = writeFile(QStringLiteral("song.ogg"), "OggS Kelvaris's");
-    ASSERT_EQ(run({"music", ogg, "hero-login"}).exit, 0);
-    ASSERT_EQ(run({"screen", "login", picture}).exit, 0);
-    ASSERT_EQ(run({"library", "add", "login", picture}).exit, 0);
-
-    EXPECT_EQ(run({"restore", "--all"}).exit, 1); // asks first
-    EXPECT_EQ(readFile(own), QByteArray("OggS Kelvaris's"));
-    const Run restored = run({"restore", "--all", "--yes"});
-    EXPECT_EQ(restored.exit, 0) << restored.err.toStdString();
-    EXPECT_EQ(readFile(own), QByteArray("OggS the player's own"));
-    EXPECT_FALSE(QFileInfo::exists(loginTexture()));
-    EXPECT_FALSE(
-        QFileInfo::exists(game + QStringLiteral("/data/sound/Ogg/FrontEnd/H_music2_loop.ogg")));
-    // The library is Kelvaris's own and stays.
-    EXPECT_EQ(run({"library", "list", "login"}).out, QStringLiteral("login\tpicture.png.dds\n"));
+// The randomizer start as the player's launcher runs it: with nothing to
+// refresh online it installs the backgrounds, starts the client and ends.
+TEST_F(CommandLineTest, TheRandomizerStartEndsWithoutAWindowSystemWhenNothingIsToRefresh) {
+    writeFile(QStringLiteral("game/paragonchat.exe"), "MZ");
+    writeFile(QStringLiteral("game/Kelvaris/RandomHL/one.dds"), QByteArray(200, 'd'));
+    const QString started = root() + QStringLiteral("/started");
+    const QString wine =
+        LauncherFixtures::WriteAt(root(), QStringLiteral("bin/wine"),
+                                  "#!/bin/sh\necho \"$@\" >\"" + started.toUtf8() + "\"\n");
+    QFile::setPermissions(wine, QFile::ReadOwner | QFile::ExeOwner);
+    // A slot with an address but no texture has nothing to download.
+    storeSetting("CohPath", game);
+    storeSetting("webLink0", "http://example.invalid/a.png");
+    const Run result = run({"-randomizer", "-x", "1"}, false);
+    EXPECT_EQ(result.exit, 0) << result.err.toStdString();
+    EXPECT_TRUE(QFile::exists(loginTexture()));
+    for (int wait = 0; wait < 100 && !QFile::exists(started); ++wait)
+        QThread::msleep(50);
+    EXPECT_TRUE(readFile(started).endsWith("paragonchat.exe -x 1\n"))
+        << readFile(started).constData();
 }
 
 } // namespace

@@ -6,9 +6,8 @@
 #include <QStringList>
 #include <deque>
 
-// A scripted desktop: records every message, dialog and program start, and
-// answers from queues the test fills (an empty queue answers "OK", "No" or a
-// cancelled dialog).
+// A scripted desktop: records every message, dialog and program start; answers
+// from queues the test fills ("OK", "No" or a cancelled dialog when empty).
 class FakeUi : public UiServices {
 public:
     struct ShownMessage {

@@ -10,9 +10,8 @@
 #include <QPushButton>
 #include <memory>
 
-// The window as a tab's tests drive it: the per-user folders of
-// TestEnvironment, a scripted desktop, and Form1 with its game folder set to
-// a fresh folder below the temporary one.
+// The window as a tab's tests drive it: TestEnvironment, a scripted desktop,
+// and Form1 with its game folder set to a fresh folder below the temporary one.
 class FormFixture : public TestEnvironment {
 protected:
     explicit FormFixture(QString gameName = "game") : gameName_(std::move(gameName)) {}

@@ -4,10 +4,8 @@
 #include <QList>
 #include <QString>
 
-// Game launchers' folders as they lie in a player's home, written below a
-// test's temporary folder: Wine prefixes with their registry, stand-in Wine
-// builds and launcher files. Paths are relative to `root` unless they start
-// with "/".
+// Game launchers' folders as they lie in a player's home: Wine prefixes, stand-in
+// Wine builds and launcher files. Paths are relative to `root` unless absolute.
 namespace LauncherFixtures {
 
 // Writes `bytes` as root/relative, making folders; the file's path.

@@ -1,10 +1,12 @@
 #include "TestEnvironment.h"
 
 #include "app/FileRecord.h"
+#include "app/modRegistry.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace {
 const char* const kVars[] = {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "WINEPREFIX", "HOME",
@@ -46,4 +48,22 @@ QByteArray TestEnvironment::readFile(const QString& path) {
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return file.readAll();
+}
+
+bool TestEnvironment::makeFifo(const QString& path) {
+    return ::mkfifo(QFile::encodeName(path).constData(), 0600) == 0;
+}
+
+QString TestEnvironment::makeGame() const {
+    const QString game = root() + QStringLiteral("/game");
+    QDir().mkpath(game);
+    return game;
+}
+
+QString TestEnvironment::setting(const QString& name) {
+    return modRegistry::QueryValue(kSettingsKey, name);
+}
+
+void TestEnvironment::storeSetting(const QString& name, const QString& value) {
+    modRegistry::SetValue(kSettingsKey, name, value);
 }

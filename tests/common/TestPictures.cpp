@@ -1,5 +1,7 @@
 #include "TestPictures.h"
 
+#include "texture/ScreenTargets.h"
+
 #include <QtEndian>
 
 namespace {
@@ -69,4 +71,8 @@ QImage FilledImage(int width, int height, QRgb left, QRgb right) {
         for (int x = 0; x < width / 2; ++x)
             image.setPixel(x, y, left);
     return image;
+}
+
+QString ScreenTextureFile(const QString& game, const ScreenTarget& screen) {
+    return game + QLatin1String(screen.folder) + QLatin1String(screen.file) + ".texture";
 }

@@ -3,6 +3,9 @@
 #include <QByteArray>
 #include <QImage>
 #include <QList>
+#include <QString>
+
+struct ScreenTarget;
 
 // Small pictures made by the tests themselves, in the formats Kelvaris reads.
 
@@ -29,6 +32,9 @@ struct TextureFile {
     // A pixel of the uncompressed DDS image, rows from the top, as 0xAARRGGBB.
     quint32 pixel(int x, int y) const;
 };
+
+// Where a screen's texture lies below the game folder.
+QString ScreenTextureFile(const QString& game, const ScreenTarget& screen);
 
 // A picture of one colour, or of `left` on its left half and `right` on the
 // rest.

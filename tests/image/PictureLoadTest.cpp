@@ -1,5 +1,4 @@
 #include "app/BusyHost.h"
-#include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 #include "common/TestPictures.h"
@@ -8,11 +7,7 @@
 #include "image/cDIBSection.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QImage>
-#include <functional>
-#include <sys/stat.h>
 
 namespace {
 
@@ -73,136 +68,91 @@ TEST_F(PictureLoadTest, AJpegDecodesCloseToItsPicture) {
     EXPECT_LE(worst, 12);
 }
 
-// ---- the lossless kinds, whatever the letter case of the name ----------------
-
-// TGA comes without the footer, in its variants.
-struct TgaCase {
-    const char* name; // the file's name: told by its ending, in either letter case
-    QByteArray file;
-    QList<quint32> pixels; // top row first
-};
-
-class Lossless : public PictureLoadTest, public ::testing::WithParamInterface<TgaCase> {};
-
-TEST_P(Lossless, DecodeToTheirPixels) {
-    const QImage decoded =
-        DecodePicture(picture(QString::fromLatin1(GetParam().name), GetParam().file));
-    EXPECT_EQ(PixelsOf(decoded), GetParam().pixels);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, Lossless,
-    ::testing::Values(TgaCase{"Upper Case.BMP", encoded(kFourImage, "BMP"), kFour},
-                      TgaCase{"art.png", encoded(kFourImage, "PNG"), kFour},
-                      TgaCase{"Anim Name.GIF", kGif, kFour},
-                      TgaCase{"true colour, bottom row first.tga", kTga, kFour},
-                      TgaCase{"32-bit, top row first.TGA",
-                              TgaBytes(2, 2, 2, 32, 0x28,
-                                       kRed + '\xFF' + kGreen + '\xFF' + kBlue + '\xFF' + kWhite +
-                                           '\xFF'),
-                              kFour},
-                      TgaCase{"run-length true colour.tga",
-                              TgaBytes(10, 3, 2, 24, 0x00,
-                                       QByteArray(1, '\x82') + kBlue + QByteArray(1, '\x02') +
-                                           kRed + kGreen + kWhite),
-                              {0xFF0000, 0x00FF00, 0xFFFFFF, 0x0000FF, 0x0000FF, 0x0000FF}},
-                      TgaCase{"run-length grey.TGA",
-                              TgaBytes(11, 2, 2, 8, 0x00, QByteArray("\x81\x50\x01\x11\x22", 5)),
-                              {0x111111, 0x222222, 0x505050, 0x505050}},
-                      TgaCase{"colour-mapped.tga",
-                              TgaBytes(1, 2, 2, 8, 0x20, QByteArray("\x00\x01\x02\x03", 4),
-                                       kRed + kGreen + kBlue + kWhite, 24),
-                              kFour}),
-    CaseName<TgaCase>);
-
-// ---- bad files: every one ends in the one message ---------------------------
-
-struct BadCase {
-    const char* name;
-    std::function<QByteArray()> make; // null: the file is not there at all
-};
-
-class BadPictures : public PictureLoadTest, public ::testing::WithParamInterface<BadCase> {};
-
-TEST_P(BadPictures, EndInImageCouldNotBeLoaded) {
-    const QString path = GetParam().make
-                             ? picture(QString::fromLatin1(GetParam().name), GetParam().make())
-                             : root() + QStringLiteral("/pictures/none.png");
-    cDIBSection dib;
-    dib.Create(3, 3);
-    dib.Row(0)[0] = 77;
-    bool previewed = false;
-    EXPECT_FALSE(
-        LoadImage(path, dib, 1024, 768, busy, ui, [&](const cDIBSection&) { previewed = true; }));
-    EXPECT_EQ(ui.messageTexts(), QStringList{"Image could not be loaded."});
-    EXPECT_FALSE(previewed);
-    EXPECT_FALSE(busy.IsBusy());
-    EXPECT_EQ(dib.Row(0)[0], 77); // left as it was
-}
-
-QByteArray cut(const QByteArray& bytes) {
-    return bytes.left(bytes.size() * 6 / 10);
+// The lossless kinds, told by the name's ending in either letter case; TGA
+// without the footer, in its variants. Pixels top row first.
+TEST_F(PictureLoadTest, LosslessKindsDecodeToTheirPixels) {
+    const struct {
+        const char* name;
+        QByteArray file;
+        QList<quint32> pixels = kFour;
+    } cases[] = {
+        {"Upper Case.BMP", encoded(kFourImage, "BMP")},
+        {"art.png", encoded(kFourImage, "PNG")},
+        {"Anim Name.GIF", kGif},
+        {"true colour, bottom row first.tga", kTga},
+        {"32-bit, top row first.TGA",
+         TgaBytes(2, 2, 2, 32, 0x28,
+                  kRed + '\xFF' + kGreen + '\xFF' + kBlue + '\xFF' + kWhite + '\xFF')},
+        {"run-length true colour.tga",
+         TgaBytes(10, 3, 2, 24, 0x00,
+                  QByteArray(1, '\x82') + kBlue + QByteArray(1, '\x02') + kRed + kGreen + kWhite),
+         {0xFF0000, 0x00FF00, 0xFFFFFF, 0x0000FF, 0x0000FF, 0x0000FF}},
+        {"run-length grey.TGA",
+         TgaBytes(11, 2, 2, 8, 0x00, QByteArray("\x81\x50\x01\x11\x22", 5)),
+         {0x111111, 0x222222, 0x505050, 0x505050}},
+        {"colour-mapped.tga", TgaBytes(1, 2, 2, 8, 0x20, QByteArray("\x00\x01\x02\x03", 4),
+                                       kRed + kGreen + kBlue + kWhite, 24)}};
+    for (const auto& c : cases)
+        EXPECT_EQ(PixelsOf(DecodePicture(picture(QString::fromLatin1(c.name), c.file))), c.pixels)
+            << c.name;
 }
 
 QByteArray spoiled(QByteArray bytes, qsizetype at, const QByteArray& with) {
     return bytes.replace(at, with.size(), with);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Bad, BadPictures,
-    ::testing::Values(
-        BadCase{"cut.bmp", [] { return cut(encoded(kPicture, "BMP")); }},
-        // Without its end marker, Qt's reader would pad the picture out.
-        BadCase{"no-end.jpg", [] { return encoded(kPicture, "JPEG").chopped(2); }},
-        BadCase{"no-end.png", [] { return encoded(kPicture, "PNG").chopped(12); }},
-        BadCase{"cut-rle.tga",
-                [] { return TgaBytes(10, 3, 2, 24, 0, QByteArray(1, '\x82') + kBlue + '\x02'); }},
-        BadCase{"header.png", [] { return spoiled(encoded(kPicture, "PNG"), 1, "QNG"); }},
-        BadCase{"Empty File.PNG", [] { return QByteArray(); }},
-        BadCase{"huge.png", [] { return kHugePng; }},
-        // Within the decoder's memory limit, but a few hundred bytes cannot
-        // hold that many pixels, even run-length encoded.
-        BadCase{"claims-big.tga",
-                [] { return TgaBytes(2, 8000, 8000, 24, 0, QByteArray(400, 'x')); }},
-        BadCase{"missing", nullptr}),
-    CaseName<BadCase>);
-
-// ---- the loading steps ------------------------------------------------------
-
-TEST_F(PictureLoadTest, ResamplesToTheAskedSizeAndPreviewsIt) {
-    const QString path = picture("Sunset Beach.png", encoded(kPicture, "PNG"));
-    cDIBSection dib;
-    int previewWidth = 0;
-    ASSERT_TRUE(LoadImage(path, dib, 100, 30, busy, ui,
-                          [&](const cDIBSection& image) { previewWidth = int(image.Width()); }));
-    EXPECT_EQ(QSize(int(dib.Width()), int(dib.Height())), QSize(100, 30));
-    EXPECT_EQ(previewWidth, 100);
-    EXPECT_TRUE(ui.messages.isEmpty());
-    EXPECT_FALSE(busy.IsBusy());
+// Bad files, and one that is not there: every one ends in the one message.
+TEST_F(PictureLoadTest, BadPicturesEndInImageCouldNotBeLoaded) {
+    const QByteArray bmp = encoded(kPicture, "BMP");
+    const struct {
+        const char* name;
+        QByteArray file;
+    } cases[] = {{"cut.bmp", bmp.left(bmp.size() * 6 / 10)},
+                 // Without its end marker, Qt's reader would pad the picture out.
+                 {"no-end.jpg", encoded(kPicture, "JPEG").chopped(2)},
+                 {"no-end.png", encoded(kPicture, "PNG").chopped(12)},
+                 {"cut-rle.tga", TgaBytes(10, 3, 2, 24, 0, QByteArray(1, '\x82') + kBlue + '\x02')},
+                 {"header.png", spoiled(encoded(kPicture, "PNG"), 1, "QNG")},
+                 {"Empty File.PNG", QByteArray()},
+                 {"huge.png", kHugePng},
+                 // Within the decoder's memory limit, but a few hundred bytes cannot
+                 // hold that many pixels, even run-length encoded.
+                 {"claims-big.tga", TgaBytes(2, 8000, 8000, 24, 0, QByteArray(400, 'x'))},
+                 {"missing", {}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const QString path = c.name == std::string("missing")
+                                 ? root() + QStringLiteral("/pictures/none.png")
+                                 : picture(QString::fromLatin1(c.name), c.file);
+        cDIBSection dib;
+        dib.Create(3, 3);
+        dib.Row(0)[0] = 77;
+        bool previewed = false;
+        ui.messages.clear();
+        EXPECT_FALSE(LoadImage(path, dib, 1024, 768, busy, ui,
+                               [&](const cDIBSection&) { previewed = true; }));
+        EXPECT_EQ(ui.messageTexts(), QStringList{"Image could not be loaded."});
+        EXPECT_FALSE(previewed);
+        EXPECT_FALSE(busy.IsBusy());
+        EXPECT_EQ(dib.Row(0)[0], 77); // left as it was
+    }
 }
 
-struct WidthCase {
-    const char* name;
-    const char* width;
-    const char* height;
-    int preview;
-};
-
-class PreviewWidthTest : public ::testing::TestWithParam<WidthCase> {};
-
-TEST_P(PreviewWidthTest, FollowsTheScreenProportions) {
-    EXPECT_EQ(
-        PreviewWidth(QString::fromLatin1(GetParam().width), QString::fromLatin1(GetParam().height)),
-        GetParam().preview);
+// The preview follows the screen's proportions, at most 425 and at least 10
+// pixels wide, 240 when a size is blank, halves rounded to even.
+TEST(PreviewWidth, FollowsTheScreenProportions) {
+    const struct {
+        const char *width, *height;
+        int preview;
+    } cases[] = {{"4000", "100", 425},
+                 {"1", "1000", 10},
+                 {"1280", "", 240},
+                 {"9", "8", 202},
+                 {"11", "8", 248}};
+    for (const auto& c : cases)
+        EXPECT_EQ(PreviewWidth(QString::fromLatin1(c.width), QString::fromLatin1(c.height)),
+                  c.preview)
+            << c.width << "x" << c.height;
 }
-
-INSTANTIATE_TEST_SUITE_P(Sizes, PreviewWidthTest,
-                         ::testing::Values(WidthCase{"at most 425", "4000", "100", 425},
-                                           WidthCase{"at least 10", "1", "1000", 10},
-
-                                           WidthCase{"blank", "1280", "", 240},
-                                           WidthCase{"202.5 to even", "9", "8", 202},
-                                           WidthCase{"247.5 to even", "11", "8", 248}),
-                         CaseName<WidthCase>);
 
 } // namespace

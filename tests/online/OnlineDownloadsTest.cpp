@@ -3,7 +3,6 @@
 #include "LoopbackServer.h"
 #include "app/BusyHost.h"
 #include "app/PathUtils.h"
-#include "app/modRegistry.h"
 #include "common/CaseName.h"
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
@@ -17,9 +16,8 @@ namespace {
 
 using Start = OnlineDownloads::StartResult;
 
-// Five slots pointed at a scripted loopback server, each with a texture
-// chosen, and a stand-in texture writer that records one line per file:
-// "<temporary file> <its bytes> <size> <path>/<file>".
+// Five slots with a texture chosen, a scripted loopback server and a stand-in
+// writer recording "<temporary file> <its bytes> <size> <path>/<file>".
 class DownloadsTest : public TestEnvironment {
 protected:
     void SetUp() override {
@@ -35,12 +33,12 @@ protected:
                            QStringLiteral(" %1x%2 %3/%4").arg(w).arg(h).arg(path, file).toUtf8();
             return applierResult;
         });
-        QObject::connect(downloads.get(), &OnlineDownloads::UrlRefused, downloads.get(),
-                         [this] { ++refused; });
-        QObject::connect(downloads.get(), &OnlineDownloads::Finished, downloads.get(),
-                         [this] { ++finished; });
-        QObject::connect(downloads.get(), &OnlineDownloads::DataArrived, downloads.get(),
-                         [this] { ++dataEvents; });
+        const auto count = [this](auto signal, int& n) {
+            QObject::connect(downloads.get(), signal, downloads.get(), [&n] { ++n; });
+        };
+        count(&OnlineDownloads::UrlRefused, refused);
+        count(&OnlineDownloads::Finished, finished);
+        count(&OnlineDownloads::DataArrived, dataEvents);
     }
     void TearDown() override {
         downloads.reset();
@@ -66,10 +64,8 @@ protected:
     int dataEvents = 0;
 };
 
-// What the server sends, piece by piece; kH and kD make it wait until the
-// client has read the whole header, or the data so far, so that the pieces
-// arrive as separate reads. Then it closes, resets, or stays silent until the
-// downloads are aborted.
+// What the server sends, piece by piece; kH and kD wait until the client has
+// read the header, or the data so far. Then it closes, resets or stalls.
 const QByteArray kH = "<header read>";
 const QByteArray kD = "<data read>";
 const QByteArray kOk = "HTTP/1.1 200 OK\r\n";
@@ -161,8 +157,8 @@ TEST_P(ResponseTest, AppliesOnlyAcceptedPicturesAndLeavesNoTemporaryFile) {
 INSTANTIATE_TEST_SUITE_P(Responses, ResponseTest, ::testing::ValuesIn(kResponses),
                          CaseName<ResponseCase>);
 
-// A typed port stays part of the host name, and a name with a space is never
-// looked up: both slots start, connect nowhere and wait for the abort.
+// A typed port stays part of the host name, a name with a space is never
+// looked up: both connect nowhere and wait for the abort.
 TEST_F(DownloadsTest, AnAddressThatCannotConnectWaitsForTheAbort) {
     EXPECT_EQ(start(2, QStringLiteral(":%1/a.png").arg(server.port())), Start::Started);
     EXPECT_EQ(downloads->StartDownload(3, "Tex", "http://a b/c"), Start::Started);
@@ -191,14 +187,14 @@ TEST_F(DownloadsTest, AppliesOnlyOnceTheLastSlotHasFinished) {
                            {"kelvaris.tmp1.png one 256x128 texture_library/GUI/Online/tex1",
                             "kelvaris.tmp3.gif three 256x128 texture_library/GUI/Online/tex3"}));
     EXPECT_TRUE(noTempFiles());
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastOnlineUpdate"), QString());
+    EXPECT_EQ(setting("LastOnlineUpdate"), QString());
 }
 
 // A texture the writer refuses, and a slot whose stored folder leaves the
 // game's data folder (it never reaches the writer): both are reported.
 TEST_F(DownloadsTest, FailedWritesAreReportedAndTheFilesDeleted) {
     applierResult = false;
-    modRegistry::SetValue(kSettingsKey, "webPath1", "../../etc");
+    storeSetting("webPath1", "../../etc");
     ASSERT_EQ(start(0), Start::Started);
     ASSERT_TRUE(answer(0, 0, "data"));
     ASSERT_TRUE(WaitUntil([&] { return finished == 1; }));
@@ -215,39 +211,26 @@ TEST_F(DownloadsTest, FailedWritesAreReportedAndTheFilesDeleted) {
 
 // An address as typed, its host and path as split (host nullptr: refused),
 // and whether that host is a name worth looking up.
-struct UrlCase {
-    const char* url;
-    const char* host;
-    const char* path;
-    bool lookedUp;
-};
-void PrintTo(const UrlCase& c, std::ostream* os) {
-    *os << c.url;
+TEST(DownloadUrl, KeepsHostAndPathAsTypedAndLooksUpOnlyPlausibleNames) {
+    const struct {
+        const char *url, *host, *path;
+        bool lookedUp;
+    } cases[] = {{"HtTp://host:8080/a/b.png?x=1#f", "host:8080", "/a/b.png?x=1#f", false},
+                 {"http://::1/a", "::1", "/a", true},
+                 {"http://a b/c", "a b", "/c", false},
+                 {"http://host", nullptr, nullptr, false},
+                 {"https://host/a.png", nullptr, nullptr, false},
+                 {" http://host/a.png", nullptr, nullptr, false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.url);
+        const std::optional<DownloadTarget> target = SplitDownloadUrl(QString::fromUtf8(c.url));
+        ASSERT_EQ(target.has_value(), c.host != nullptr);
+        if (target) {
+            EXPECT_EQ(target->Host, QString::fromUtf8(c.host));
+            EXPECT_EQ(target->Path, QString::fromUtf8(c.path));
+            EXPECT_EQ(modSockets::IsPlausibleHostName(target->Host), c.lookedUp);
+        }
+    }
 }
-
-class UrlTest : public ::testing::TestWithParam<UrlCase> {};
-
-TEST_P(UrlTest, KeepsHostAndPathAsTypedAndLooksUpOnlyPlausibleNames) {
-    const UrlCase& c = GetParam();
-    const std::optional<DownloadTarget> target = SplitDownloadUrl(QString::fromUtf8(c.url));
-    ASSERT_EQ(target.has_value(), c.host != nullptr);
-    if (!target)
-        return;
-    EXPECT_EQ(target->Host, QString::fromUtf8(c.host));
-    EXPECT_EQ(target->Path, QString::fromUtf8(c.path));
-    EXPECT_EQ(modSockets::IsPlausibleHostName(target->Host), c.lookedUp);
-}
-
-INSTANTIATE_TEST_SUITE_P(Urls, UrlTest,
-                         ::testing::Values(UrlCase{"HtTp://host:8080/a/b.png?x=1#f", "host:8080",
-                                                   "/a/b.png?x=1#f", false},
-
-                                           UrlCase{"http://::1/a", "::1", "/a", true},
-
-                                           UrlCase{"http://a b/c", "a b", "/c", false},
-
-                                           UrlCase{"http://host", nullptr, nullptr, false},
-                                           UrlCase{"https://host/a.png", nullptr, nullptr, false},
-                                           UrlCase{" http://host/a.png", nullptr, nullptr, false}));
 
 } // namespace

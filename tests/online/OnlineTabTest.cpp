@@ -2,7 +2,6 @@
 
 #include "LoopbackServer.h"
 #include "app/Clock.h"
-#include "app/modRegistry.h"
 #include "common/FormFixture.h"
 #include "online/OnlineDownloads.h"
 #include "online/OnlineSettings.h"
@@ -15,8 +14,7 @@
 
 namespace {
 
-// Two categories, the second with two textures of different sizes, and an
-// empty third.
+// Two categories, the second with two textures of different sizes, and an empty third.
 const QByteArray kCatalogue = "3\r\n\"Signs\",1\r\n"
                               "\"Sign\",128,64,\"texture_library/GUI/Signs\",\"sign\"\r\n"
                               "\"Skies\",2\r\n"
@@ -25,19 +23,12 @@ const QByteArray kCatalogue = "3\r\n\"Signs\",1\r\n"
                               "\"Nothing\",0\r\n";
 const QString kDownload = "Download and Apply now";
 
-QString value(const QString& name) {
-    return modRegistry::QueryValue(kSettingsKey, name);
-}
-void store(const QString& name, const QString& data) {
-    modRegistry::SetValue(kSettingsKey, name, data);
-}
 bool isRed(const QWidget* control) {
     return control->palette().color(control->foregroundRole()) == QColor(255, 0, 0);
 }
 
-// The window with its Online tab, its downloads pointed at a loopback server,
-// its clock set by the test and its textures written by a stand-in that
-// records "<temporary file> <texture file> <bytes>".
+// The window with its downloads pointed at a loopback server, its clock set by
+// the test, and a stand-in writer recording "<temporary file> <texture file> <bytes>".
 class OnlineTabTest : public FormFixture {
 protected:
     void SetUp() override {
@@ -63,7 +54,7 @@ protected:
         QStringList values;
         for (OnlineValue v : {OnlineValue::Name, OnlineValue::Width, OnlineValue::Height,
                               OnlineValue::Path, OnlineValue::File})
-            values << value(OnlineValueName(v, n));
+            values << setting(OnlineValueName(v, n));
         return values;
     }
     QString caption() { return control<QPushButton>("webDownload")->text(); }
@@ -71,12 +62,12 @@ protected:
     void bindSlot(int n, const QString& address) {
         row<QLineEdit>("webFile", n)->setText("Sign (128x64)");
         row<QLineEdit>("webURL", n)->setText(address);
-        store(OnlineValueName(OnlineValue::Link, n), address);
+        storeSetting(OnlineValueName(OnlineValue::Link, n), address);
         StorePickedTexture(n, {"Sign (128x64)", 128, 64, "texture_library/GUI/Signs", "sign"});
     }
     // A randomizer run whose stored date of the last refresh is `lastUpdate`.
     void runRandomizer(const QString& lastUpdate) {
-        store("LastOnlineUpdate", lastUpdate);
+        storeSetting("LastOnlineUpdate", lastUpdate);
         form = std::make_unique<Form1>(ui, QStringList{"-randomizer"});
         wire();
         form->Form_Load();
@@ -154,8 +145,8 @@ TEST_F(OnlineTabTest, TheButtonStartsAbortsOrEndsWithTheDownloadsAndMarksRefused
 }
 
 TEST_F(OnlineTabTest, ExportTakesTheTypedAddressesAndAnImportSurvivesTheClose) {
-    store("webLink1", "http://old/1.png");
-    store("webLink2", "http://old/2.png");
+    storeSetting("webLink1", "http://old/1.png");
+    storeSetting("webLink2", "http://old/2.png");
     form->Form_Load();
     EXPECT_EQ(row<QLineEdit>("webURL", 1)->text(), "http://old/1.png");
     row<QLineEdit>("webURL", 0)->setText("http://typed/0.png");
@@ -177,8 +168,8 @@ TEST_F(OnlineTabTest, ExportTakesTheTypedAddressesAndAnImportSurvivesTheClose) {
 
     form->Unload();
     ASSERT_TRUE(form->IsUnloaded());
-    EXPECT_EQ(value("webLink0"), "http://new/0.png");
-    EXPECT_EQ(value("webLink2"), QString());
+    EXPECT_EQ(setting("webLink0"), "http://new/0.png");
+    EXPECT_EQ(setting("webLink2"), QString());
 }
 
 TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
@@ -189,9 +180,9 @@ TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
     ASSERT_TRUE(server.answer(0, "png", "png", [&] { return form->LastDataTime() == 1010.0; }));
     ASSERT_TRUE(WaitUntil([&] { return form->IsUnloaded(); }));
     EXPECT_EQ(written, QStringList{"kelvaris.tmp1.png sign png"});
-    EXPECT_EQ(value("LastOnlineUpdate"), ShortDateText(QDate::currentDate()));
+    EXPECT_EQ(setting("LastOnlineUpdate"), ShortDateText(QDate::currentDate()));
 
-    runRandomizer(value("LastOnlineUpdate")); // a second run the same day
+    runRandomizer(setting("LastOnlineUpdate")); // a second run the same day
     EXPECT_TRUE(form->IsUnloaded());
     WaitUntil([] { return false; }, 100); // time for a connection that must not come
     EXPECT_EQ(server.connectionCount(), 1);

@@ -1,24 +1,11 @@
 #include "online/TexturesRegFile.h"
 
-#include "app/FileRecord.h"
-#include "app/modRegistry.h"
-#include "common/CaseName.h"
 #include "common/TestEnvironment.h"
 #include "online/OnlineSettings.h"
-
-#include <QFile>
-#include <sys/stat.h>
 
 namespace {
 
 const QByteArray kHead = "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]\r\n";
-
-QString value(const QString& name) {
-    return modRegistry::QueryValue(kSettingsKey, name);
-}
-void store(const QString& name, const QString& data) {
-    modRegistry::SetValue(kSettingsKey, name, data);
-}
 
 using TexturesRegFileTest = TestEnvironment;
 
@@ -44,14 +31,14 @@ TEST_F(TexturesRegFileTest, ExportWritesThe32LinesUnescapedAndImportGivesThemBac
     ASSERT_EQ(readFile(path), expected);
 
     StoreClearedSelection(0);
-    store("webLink0", "http://old/x.png");
-    store("webLink3", "http://old/y.png");
+    storeSetting("webLink0", "http://old/x.png");
+    storeSetting("webLink3", "http://old/y.png");
     const TexturesImport result = ImportOnlineTextures(path);
     EXPECT_TRUE(result.problems.isEmpty()) << result.Message().toStdString();
     EXPECT_EQ(result.merged, 30);
     QStringList storedLinks;
     for (int slot = 0; slot < kDownloadSlots; ++slot)
-        storedLinks << value(OnlineValueName(OnlineValue::Link, slot));
+        storedLinks << setting(OnlineValueName(OnlineValue::Link, slot));
     EXPECT_EQ(storedLinks, links);
     EXPECT_EQ(TexturesRegText(storedLinks), expected);
 }
@@ -62,9 +49,6 @@ struct ImportCase {
     int merged;          // values stored
     const char* message; // part of the message shown to the player
 };
-void PrintTo(const ImportCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 const ImportCase kImports[] = {
     {"OneValue", kHead + "\"webLink4\"=\"x\"\r\n", 1, "1 online texture setting(s) were imported."},
@@ -90,20 +74,18 @@ const ImportCase kImports[] = {
     {"BrokenLines", kHead + "webName1=x\r\n\"webName1\r\n\"webName0\"=\"ok\"\r\n", 1, "2 line(s)"},
 };
 
-class ImportTest : public TestEnvironment, public ::testing::WithParamInterface<ImportCase> {};
-
-TEST_P(ImportTest, StoresOnlyTheGoodPartsAndSaysWhy) {
-    const ImportCase& c = GetParam();
-    store("webPath2", "texture_library/Kept");
-    const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
-    EXPECT_EQ(result.merged, c.merged);
-    EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
-        << result.Message().toStdString();
-    EXPECT_EQ(value("webPath2"), "texture_library/Kept");
-    EXPECT_EQ(value("CohPath"), QString());
-    EXPECT_EQ(value("LastOnlineUpdate"), QString());
+TEST_F(TexturesRegFileTest, ImportStoresOnlyTheGoodPartsAndSaysWhy) {
+    storeSetting("webPath2", "texture_library/Kept");
+    for (const ImportCase& c : kImports) {
+        SCOPED_TRACE(c.name);
+        const TexturesImport result = ImportOnlineTextures(writeFile("i.reg", c.text));
+        EXPECT_EQ(result.merged, c.merged);
+        EXPECT_TRUE(result.Message().contains(QString::fromLatin1(c.message)))
+            << result.Message().toStdString();
+        EXPECT_EQ(setting("webPath2"), "texture_library/Kept");
+        EXPECT_EQ(setting("CohPath"), QString());
+        EXPECT_EQ(setting("LastOnlineUpdate"), QString());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Files, ImportTest, ::testing::ValuesIn(kImports), CaseName<ImportCase>);
 
 } // namespace

@@ -12,11 +12,8 @@ using namespace LauncherFixtures;
 // Arguments a naive join and split would lose or merge.
 const QStringList kArguments = {"-x", "", "say \"hi\"", "two words", ""};
 
-// A game of one launcher, the program the client is started with and the
-// prefix it is given. Paths are relative to the test's temporary folder,
-// whose "bin" alone is on PATH and holds a stand-in "wine". Which runner a
-// launcher's folder has is the installations' tests' business; these cases
-// are the kinds of start.
+// One kind of start: the game folder, the program the client is started with
+// and its prefix, relative to the test's folder, whose "bin" alone is on PATH.
 struct LaunchCase {
     std::string name;
     const char* game; // the game folder, holding paragonchat.exe

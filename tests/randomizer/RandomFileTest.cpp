@@ -1,12 +1,10 @@
 #include "randomizer/RandomFile.h"
 
-#include "app/modRegistry.h"
 #include "common/TestEnvironment.h"
 
 #include <QDir>
 #include <QFile>
 #include <deque>
-#include <sys/stat.h>
 
 namespace {
 
@@ -31,7 +29,7 @@ protected:
     static QString pick(const QString& folder, const UniformRandom& random = ClockSeededRandom()) {
         return RandomFile(folder, "RandomHL", random);
     }
-    static QString lastPick() { return modRegistry::QueryValue(kSettingsKey, "RandomHL"); }
+    static QString lastPick() { return setting("RandomHL"); }
 };
 
 TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
@@ -42,7 +40,7 @@ TEST_F(RandomFileTest, OnlyDdsFilesAreListed) {
     writeFile("lib/empty.dds", "");
     writeFile("lib/short.dds", "DDS ");
     QFile::link("/dev/zero", folder + "zero.dds");
-    ASSERT_EQ(::mkfifo(QFile::encodeName(folder + "fifo.dds").constData(), 0600), 0);
+    ASSERT_TRUE(makeFifo(folder + "fifo.dds"));
     QStringList names = ListLibraryImages(folder);
     names.sort();
     EXPECT_EQ(names, QStringList({"B.DDS", "a.dds"}));

@@ -1,6 +1,5 @@
 #include "randomizer/RandomizerTab.h"
 
-#include "app/modRegistry.h"
 #include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "randomizer/LibraryFolder.h"
@@ -11,7 +10,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
 
 namespace {
 
@@ -115,7 +113,7 @@ TEST_F(RandomizerTabTest, TheLibraryIsShownAsPicturesAndEntriesCanBeRemoved) {
     click("rndSaveHL");
     choose("rndBrowse", picture(QStringLiteral("pics/two.png"), qRgb(10, 200, 10)));
     click("rndSaveHL");
-    modRegistry::SetValue(kSettingsKey, QStringLiteral("RandomHL"), QStringLiteral("two.png.dds"));
+    storeSetting(QStringLiteral("RandomHL"), QStringLiteral("two.png.dds"));
     auto* view = form->findChildren<LibraryView*>().first();
     view->Refresh();
     view->FinishThumbnails();

@@ -2,8 +2,9 @@
 
 #include "WineOnPath.h"
 #include "app/StartUp.h"
-#include "app/modRegistry.h"
+#include "common/TestPictures.h"
 #include "randomizer/RandomizerArguments.h"
+#include "texture/ScreenTargets.h"
 
 #include <QFileInfo>
 
@@ -19,11 +20,8 @@ protected:
         game = root() + "/game";
         writeFile("game/paragonchat.exe", "MZ");
     }
-    QString texture(const char* folder, const char* name) const {
-        return game + "/data/texture_library/GUI/CREATION/HybridUI/" + QString::fromLatin1(folder) +
-               u'/' + QString::fromLatin1(name) + ".texture";
-    }
-    QString loginTexture() const { return texture("LoginScreen", "COH_LogInScreen_Background"); }
+    QString loginTexture() const { return ScreenTextureFile(game, kLoginScreen); }
+    QString characterTexture() const { return ScreenTextureFile(game, kCharacterScreen); }
 
     QString game;
 };
@@ -42,9 +40,9 @@ TEST_F(RunRandomizerTest, WritesBothScreensAndStartsTheClientWithTheArgumentsAsT
     const QByteArray login = readFile(loginTexture());
     EXPECT_TRUE(login.endsWith(QByteArray(kLoginName + '\0' + loginEntry)));
     EXPECT_EQ(login.size(), 32 + kLoginName.size() + 1 + 128);
-    EXPECT_TRUE(readFile(texture("CharacterCreationUI", "background")).endsWith(characterEntry));
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHL"), "Sunset.dds");
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "RandomHC"), "city night.dds");
+    EXPECT_TRUE(readFile(characterTexture()).endsWith(characterEntry));
+    EXPECT_EQ(setting("RandomHL"), "Sunset.dds");
+    EXPECT_EQ(setting("RandomHC"), "city night.dds");
 
     const QStringList expected = {
         game + "/paragonchat.exe", "-project", "", "say \"hi\"", "C:\\x y", ""};
@@ -61,7 +59,7 @@ TEST_F(RunRandomizerTest, EmptyMissingOrUnreadableLibrariesWriteNothingButStillS
     RunRandomizer(game, QStringList{"-randomizer"}, ui);
     EXPECT_TRUE(QDir(QFileInfo(loginTexture()).path()).exists()); // the folder is made
     EXPECT_FALSE(QFile::exists(loginTexture()));
-    EXPECT_FALSE(QFile::exists(texture("CharacterCreationUI", "background"))); // no library
+    EXPECT_FALSE(QFile::exists(characterTexture())); // no library
     EXPECT_EQ(ui.starts.size(), 1);
 }
 
@@ -73,30 +71,20 @@ TEST_F(RunRandomizerTest, NoGameFolderWritesNowhereAndSaysSo) {
     EXPECT_EQ(QDir::currentPath(), before);
 }
 
-struct ArgumentsCase {
-    QStringList arguments;
-    QStringList passedOn;
-};
-
-class PassThrough : public ::testing::TestWithParam<ArgumentsCase> {};
-
-TEST_P(PassThrough, CutsTheFirstOfEachSwitchAndKeepsTheRestExactly) {
-    EXPECT_EQ(PassThroughArguments(GetParam().arguments), GetParam().passedOn);
+// Each switch's first appearance is cut, inside a longer argument too; blanks,
+// quotes and empty arguments reach the client as given.
+TEST(PassThrough, CutsTheFirstOfEachSwitchAndKeepsTheRestExactly) {
+    const QStringList cases[][2] = {
+        {{"-randomizer", "-x", "1"}, {"-x", "1"}},
+        {{"-a", "-randomizer", "-b"}, {"-a", "-b"}},
+        {{"-randomizer", "-skipupdate", "-x"}, {"-x"}},
+        {{"-randomizer", "-randomizer"}, {"-randomizer"}},
+        {{"-Randomizer", "-x"}, {"-Randomizer", "-x"}},
+        {{"--x=-randomizer-y", "-skipupdateZ"}, {"--x=-y", "Z"}},
+        {{"-randomizer", "-project", "City of Heroes", "", "say \"hi\"", ""},
+         {"-project", "City of Heroes", "", "say \"hi\"", ""}}};
+    for (const auto& [arguments, passedOn] : cases)
+        EXPECT_EQ(PassThroughArguments(arguments), passedOn) << arguments.join(u' ').toStdString();
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    CommandLines, PassThrough,
-    ::testing::Values(ArgumentsCase{{"-randomizer", "-x", "1"}, {"-x", "1"}},
-                      ArgumentsCase{{"-a", "-randomizer", "-b"}, {"-a", "-b"}},
-                      ArgumentsCase{{"-randomizer", "-skipupdate", "-x"}, {"-x"}},
-                      ArgumentsCase{{"-randomizer", "-randomizer"}, {"-randomizer"}},
-                      ArgumentsCase{{"-Randomizer", "-x"}, {"-Randomizer", "-x"}},
-                      // A switch inside a longer argument is cut from it, the rest kept.
-                      ArgumentsCase{{"--x=-randomizer-y", "-skipupdateZ"}, {"--x=-y", "Z"}},
-                      // Blanks, quotes and empty arguments reach the client as given.
-                      ArgumentsCase{
-                          {"-randomizer", "-project", "City of Heroes", "", "say \"hi\"", ""},
-                          {"-project", "City of Heroes", "", "say \"hi\"", ""}}),
-    [](const auto& info) { return std::to_string(info.index); });
 
 } // namespace

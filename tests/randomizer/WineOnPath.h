@@ -6,9 +6,8 @@
 #include <QDir>
 #include <QFile>
 
-// The per-user folders of TestEnvironment with a stand-in "wine" alone on
-// the PATH; FakeUi records the start instead of running it. The working
-// folder is restored afterwards.
+// TestEnvironment with a stand-in "wine" alone on the PATH and the working
+// folder restored afterwards; FakeUi records the start instead of running it.
 class WineOnPath : public TestEnvironment {
 protected:
     void SetUp() override {

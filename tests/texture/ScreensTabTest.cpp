@@ -1,11 +1,11 @@
 #include "texture/ScreensTab.h"
 
 #include "app/PathUtils.h"
-#include "app/modRegistry.h"
 #include "common/FormFixture.h"
 #include "common/TestPictures.h"
 #include "image/SharedImages.h"
 #include "texture/PreviewBox.h"
+#include "texture/ScreenTargets.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
@@ -13,14 +13,8 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QScrollBar>
-#include <QTabWidget>
 
 namespace {
-
-const QString kLogin =
-    "/data/texture_library/GUI/CREATION/HybridUI/LoginScreen/COH_LogInScreen_Background.texture";
-const QString kCharacter =
-    "/data/texture_library/GUI/CREATION/HybridUI/CharacterCreationUI/background.texture";
 
 class ScreensTabTest : public FormFixture {
 protected:
@@ -45,8 +39,8 @@ protected:
         return picture(QStringLiteral("frame%1.png").arg(height), frame);
     }
     // The first pixel of a row of the written screen, as blue, green, red, alpha.
-    QByteArray rowStart(const QString& screen, int row) {
-        const QByteArray bytes = readFile(game + screen);
+    QByteArray rowStart(const ScreenTarget& screen, int row) {
+        const QByteArray bytes = readFile(ScreenTextureFile(game, screen));
         return bytes.mid(bytes.indexOf("DDS ") + 128 + row * 4096, 4);
     }
 };
@@ -54,13 +48,13 @@ protected:
 TEST_F(ScreensTabTest, BrowsingLoadsThePictureAndAPreviewTheRightWayUp) {
     control<QLineEdit>("setWidth")->setText("1920");
     control<QLineEdit>("setHeight")->setText("1080");
-    modRegistry::SetValue(kSettingsKey, "LastImageDir", root());
+    storeSetting("LastImageDir", root());
     click("scrBrowse"); // cancelled: nothing changes
     EXPECT_FALSE(control<QPushButton>("scrSaveHL")->isEnabled());
     const QString path = browse();
     EXPECT_EQ(ui.openRequests.value(0).startFolder, root());
     EXPECT_EQ(control<QLineEdit>("scrImage")->text(), path);
-    EXPECT_EQ(modRegistry::QueryValue(kSettingsKey, "LastImageDir"), root() + "/pictures");
+    EXPECT_EQ(setting("LastImageDir"), root() + "/pictures");
     SharedImages& images = form->Images();
     EXPECT_EQ(images.screenImage->Width(), 1024);
     EXPECT_EQ(images.screenImage->Height(), 768);
@@ -119,16 +113,19 @@ TEST_F(ScreensTabTest, FramesAreLaidOverWhenSwitchedOn) {
     click("scrSaveHL");
     click("scrSaveHC");
     EXPECT_TRUE(ui.messages.isEmpty()) << ui.messageTexts().join(u'\n').toStdString();
-    EXPECT_EQ(rowStart(kLogin, 0), QByteArray("\x0F\x0F\x0F\xFF", 4));       // through the hole
-    EXPECT_EQ(rowStart(kLogin, 500), QByteArray("\0\0\0\xFF", 4));           // the frame
-    EXPECT_EQ(rowStart(kCharacter, 500), QByteArray("\x0F\x0F\x0F\xFF", 4)); // no frame
-    EXPECT_TRUE(readFile(game + kCharacter).contains("CharacterCreationUI/background.dds"));
+    EXPECT_EQ(rowStart(kLoginScreen, 0), QByteArray("\x0F\x0F\x0F\xFF", 4)); // through the hole
+    EXPECT_EQ(rowStart(kLoginScreen, 500), QByteArray("\0\0\0\xFF", 4));     // the frame
+    EXPECT_EQ(rowStart(kCharacterScreen, 500), QByteArray("\x0F\x0F\x0F\xFF", 4)); // no frame
+    EXPECT_TRUE(readFile(ScreenTextureFile(game, kCharacterScreen))
+                    .contains("CharacterCreationUI/background.dds"));
 
     frames->click(); // off again: written without frames
     EXPECT_FALSE(framesPreview->isEnabled());
     click("scrSaveHL");
-    EXPECT_EQ(rowStart(kLogin, 500), QByteArray("\x0F\x0F\x0F\xFF", 4));
-    EXPECT_EQ(QDir(QFileInfo(game + kLogin).path()).entryList(QDir::Files).size(), 1);
+    EXPECT_EQ(rowStart(kLoginScreen, 500), QByteArray("\x0F\x0F\x0F\xFF", 4));
+    EXPECT_EQ(
+        QDir(QFileInfo(ScreenTextureFile(game, kLoginScreen)).path()).entryList(QDir::Files).size(),
+        1);
     EXPECT_FALSE(form->IsBusy());
 }
 

@@ -1,4 +1,3 @@
-#include "common/CaseName.h"
 #include "texture/modShellWait.h"
 
 #include <QTimer>
@@ -6,37 +5,27 @@
 
 namespace {
 
-struct ShellCase {
-    const char* name;
-    QStringList command;
-    long timeOut;
-    bool finished;
-    const char* message; // "untouched" when none is given
-};
-
-class ShellAndWaitRuns : public ::testing::TestWithParam<ShellCase> {};
-
-TEST_P(ShellAndWaitRuns, EndAsTheCommandDoes) {
-    const ShellCase& c = GetParam();
-    QString message = QStringLiteral("untouched");
-    EXPECT_EQ(ShellAndWait(c.command, 0, message, c.timeOut), c.finished);
-    EXPECT_EQ(message, QString::fromLatin1(c.message));
+TEST(ShellAndWait, EndsAsTheCommandDoes) {
+    const char* const errorCalling =
+        "Error calling the NVIDIA tool!\r\nPlease disable Texture Compression.";
+    const struct {
+        QStringList command;
+        long timeOut;
+        bool finished;
+        const char* message; // "untouched" when none is given
+    } cases[] = {
+        {{"/bin/true"}, 10000, true, "untouched"},
+        {{"/bin/sh", "-c", "exit 3"}, 10000, true, "untouched"}, // the exit code is not examined
+        {{"/bin/sleep", "10"}, 0, false, "The NVIDIA tool has timed out."}, // after the first pass
+        {{"/no/such/program"}, 10000, false, errorCalling},
+        {{}, 10000, false, errorCalling}};
+    for (const auto& c : cases) {
+        QString message = QStringLiteral("untouched");
+        EXPECT_EQ(ShellAndWait(c.command, 0, message, c.timeOut), c.finished)
+            << c.command.join(u' ').toStdString();
+        EXPECT_EQ(message, QString::fromLatin1(c.message));
+    }
 }
-
-const char* const kErrorCalling =
-    "Error calling the NVIDIA tool!\r\nPlease disable Texture Compression.";
-
-INSTANTIATE_TEST_SUITE_P(
-    Commands, ShellAndWaitRuns,
-    ::testing::Values(
-        ShellCase{"ends at once", {"/bin/true"}, 10000, true, "untouched"},
-        // The exit code is not examined.
-        ShellCase{"fails", {"/bin/sh", "-c", "exit 3"}, 10000, true, "untouched"},
-        // A time-out of zero ends after the first pass.
-        ShellCase{"times out", {"/bin/sleep", "10"}, 0, false, "The NVIDIA tool has timed out."},
-        ShellCase{"cannot start", {"/no/such/program"}, 10000, false, kErrorCalling},
-        ShellCase{"no command", {}, 10000, false, kErrorCalling}),
-    CaseName<ShellCase>);
 
 TEST(ShellAndWait, WindowEventsRunWhileItWaits) {
     bool fired = false;

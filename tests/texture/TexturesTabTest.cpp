@@ -65,7 +65,6 @@ protected:
         while (it.hasNext())
             files << QDir(root()).relativeFilePath(it.next());
         files.sort();
-        // Kelvaris's manifest of what it wrote is its own bookkeeping.
         return files.filter(
             QRegularExpression("^(?!config/|cache/|pictures/|.*/Kelvaris/manifest\\.txt$)"));
     }
@@ -102,9 +101,15 @@ TEST_F(TexturesTabTest, SavesTheSelectedTextureOrTheWholeCategoryWithTheMaskAsAl
     const QString source = browse("texBrowse", "source.png", qRgb(200, 100, 50));
     EXPECT_EQ(control<QLineEdit>("texInput")->text(), source);
     EXPECT_EQ(ui.openRequests.value(2).startFolder, root() + "/pictures"); // the last choice's
+    EXPECT_FALSE(control<QLabel>("texPicturePreview")->pixmap().isNull());
+    EXPECT_FALSE(control<QLabel>("texMaskPreview")->pixmap().isNull());
+    auto* installed = control<QLabel>("texInstalledText");
     list("texTexture")->setCurrentIndex(1);
+    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
     saveAll(false);
     EXPECT_EQ(filesWritten(), QStringList{kData + "Icons/Powers/blast.texture"});
+    EXPECT_EQ(installed->text(), QStringLiteral("64x16, 32-bit")); // what the game has now
+    EXPECT_FALSE(control<QLabel>("texInstalledPreview")->pixmap().isNull());
     saveAll();
     EXPECT_TRUE(ui.messages.isEmpty()) << ui.messageTexts().join(u'\n').toStdString();
     EXPECT_EQ(filesWritten().size(), 3);
@@ -124,6 +129,11 @@ TEST_F(TexturesTabTest, SavesTheSelectedTextureOrTheWholeCategoryWithTheMaskAsAl
         EXPECT_NEAR(qAlpha(written.pixel(e.width - 2, e.height / 2)), 200, 2);
         EXPECT_EQ(written.pixel(e.width - 2, e.height / 2) & 0xFFFFFF, 0xC86432u);
     }
+    // Restoring the shown texture shows the game's own again.
+    ui.answers.push_back(MsgAnswer::Yes);
+    control<QCheckBox>("texWriteAll")->setChecked(false);
+    click("texReset");
+    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
 }
 
 TEST_F(TexturesTabTest, FailuresAreToldAndWriteNothing) {
@@ -173,6 +183,7 @@ TEST_F(TexturesTabTest, RestoreAsksBeforeDeletingOnlyWhatExists) {
     list("texTexture")->setCurrentIndex(1); // Blast, never replaced: nothing to ask
     click("texReset");
     EXPECT_TRUE(ui.messages.isEmpty());
+    list("texTexture")->setCurrentIndex(2); // Wide, replaced
     control<QCheckBox>("texWriteAll")->setChecked(true);
     ui.answers.push_back(MsgAnswer::No);
     click("texReset");
@@ -182,6 +193,7 @@ TEST_F(TexturesTabTest, RestoreAsksBeforeDeletingOnlyWhatExists) {
     ui.answers.push_back(MsgAnswer::Yes);
     click("texReset");
     EXPECT_EQ(left(), QStringList{"login"});
+    EXPECT_EQ(control<QLabel>("texInstalledText")->text(), QStringLiteral("not replaced"));
 }
 
 // A build cancelled by the Quit button keeps the catalogue; a whole one
@@ -208,25 +220,6 @@ TEST_F(TexturesTabTest, TheBuildButtonListsTheGamesOwnTexturesUnlessCancelled) {
     list("texCategory")->setCurrentIndex(1);
     EXPECT_EQ(items("texTexture"), QStringList({"Stripe (128x256)"}));
     EXPECT_FALSE(form->IsBusy());
-}
-
-TEST_F(TexturesTabTest, PreviewsShowThePicturesAndWhatTheGameHasNow) {
-    enterTab();
-    browse("texBrowse", "source.png", qRgb(200, 100, 50));
-    browse("texAlphaBrowse", "mask.bmp", qRgb(255, 255, 0), qRgb(0, 0, 200));
-    auto* installed = control<QLabel>("texInstalledText");
-    EXPECT_FALSE(control<QLabel>("texPicturePreview")->pixmap().isNull());
-    EXPECT_FALSE(control<QLabel>("texMaskPreview")->pixmap().isNull());
-    list("texTexture")->setCurrentIndex(1); // Blast (64x16)
-    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
-    EXPECT_EQ(control<QLabel>("texInstalledPreview")->text(), QStringLiteral("the game's own"));
-
-    saveAll(false);
-    EXPECT_EQ(installed->text(), QStringLiteral("64x16, 32-bit"));
-    EXPECT_FALSE(control<QLabel>("texInstalledPreview")->pixmap().isNull());
-    ui.answers.push_back(MsgAnswer::Yes);
-    click("texReset");
-    EXPECT_EQ(installed->text(), QStringLiteral("not replaced"));
 }
 
 } // namespace
