@@ -10,8 +10,7 @@ MsgAnswer FakeUi::Message(const QString& Text, MsgIcon Icon, MsgButtons Buttons)
     return Buttons == MsgButtons::YesNo ? MsgAnswer::No : MsgAnswer::Ok;
 }
 
-QString FakeUi::OpenFile(const FileDialogRequest& request) {
-    openRequests.append(request);
+QString FakeUi::OpenFile(const FileDialogRequest&) {
     if (openAnswers.empty())
         return {};
     const QString answer = openAnswers.front();
@@ -19,13 +18,8 @@ QString FakeUi::OpenFile(const FileDialogRequest& request) {
     return answer;
 }
 
-QString FakeUi::SaveFile(const FileDialogRequest& request) {
-    saveRequests.append(request);
-    if (saveAnswers.empty())
-        return {};
-    const QString answer = saveAnswers.front();
-    saveAnswers.pop_front();
-    return answer;
+QString FakeUi::SaveFile(const FileDialogRequest&) {
+    return {};
 }
 
 bool FakeUi::StartProgram(const ProgramStart& start) {

@@ -6,8 +6,9 @@
 #include <QStringList>
 #include <deque>
 
-// A scripted desktop: records every message, dialog and program start; answers
-// from queues the test fills ("OK", "No" or a cancelled dialog when empty).
+// A scripted desktop: records every message and program start; answers from
+// queues the test fills ("OK", "No" or a cancelled dialog when empty). Saving
+// is always cancelled.
 class FakeUi : public UiServices {
 public:
     struct ShownMessage {
@@ -22,13 +23,10 @@ public:
     bool StartProgram(const ProgramStart& start) override;
 
     QList<ShownMessage> messages;
-    QList<FileDialogRequest> openRequests;
-    QList<FileDialogRequest> saveRequests;
     QList<ProgramStart> starts;
 
     std::deque<MsgAnswer> answers;
     std::deque<QString> openAnswers;
-    std::deque<QString> saveAnswers;
 
     QStringList messageTexts() const;
 };
