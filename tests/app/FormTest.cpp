@@ -2,7 +2,9 @@
 #include "common/FakeUi.h"
 #include "common/TestEnvironment.h"
 
+#include <QCheckBox>
 #include <QFile>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabWidget>
@@ -17,6 +19,29 @@ protected:
 
     FakeUi ui;
 };
+
+// The window loads the settings at start and stores its controls at close.
+TEST_F(FormTest, SettingsRoundTripThroughStartAndClose) {
+    storeSetting("CohPath", "/games/coh");
+    storeSetting("CohWidth", "1920");
+    storeSetting("TextureCompression", "1");
+    writeFile("cache/kelvaris/converted.ogg", "OggS");
+    {
+        Form1 form(ui, {});
+        form.Form_Load();
+        EXPECT_EQ(form.GameFolder(), QStringLiteral("/games/coh"));
+        EXPECT_TRUE(control<QCheckBox>(form, "setCompression")->isChecked());
+        control<QLineEdit>(form, "setHeight")->setText("1200");
+        control<QLineEdit>(form, "setWidth")->clear(); // a cleared box deletes its value
+        control<QCheckBox>(form, "setCompression")->setChecked(false);
+        form.Unload();
+    }
+    EXPECT_EQ(setting("CohHeight"), QStringLiteral("1200"));
+    EXPECT_EQ(setting("CohWidth"), QString());
+    EXPECT_EQ(setting("TextureCompression"), QStringLiteral("0"));
+    EXPECT_EQ(setting("CohPath"), QStringLiteral("/games/coh"));
+    EXPECT_FALSE(QFile::exists(cacheHome() + "/kelvaris/converted.ogg")); // deleted at close
+}
 
 TEST_F(FormTest, BusyStateLocksTheTabsAndTurnsCloseIntoCancel) {
     Form1 form(ui, {});
