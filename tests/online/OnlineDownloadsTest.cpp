@@ -157,18 +157,6 @@ TEST_P(ResponseTest, AppliesOnlyAcceptedPicturesAndLeavesNoTemporaryFile) {
 INSTANTIATE_TEST_SUITE_P(Responses, ResponseTest, ::testing::ValuesIn(kResponses),
                          CaseName<ResponseCase>);
 
-// A typed port stays part of the host name, a name with a space is never
-// looked up: both connect nowhere and wait for the abort.
-TEST_F(DownloadsTest, AnAddressThatCannotConnectWaitsForTheAbort) {
-    EXPECT_EQ(start(2, QStringLiteral(":%1/a.png").arg(server.port())), Start::Started);
-    EXPECT_EQ(downloads->StartDownload(3, "Tex", "http://a b/c"), Start::Started);
-    WaitUntil([] { return false; }, 200); // time for a connection that must not come
-    EXPECT_EQ(server.connectionCount(), 0);
-    EXPECT_TRUE(downloads->Slot(2).Active && downloads->Slot(3).Active);
-    downloads->AbortDownloads();
-    EXPECT_FALSE(downloads->AnyActive());
-}
-
 // The request goes out once, as typed.
 TEST_F(DownloadsTest, AppliesOnlyOnceTheLastSlotHasFinished) {
     ASSERT_EQ(start(1, "/a b/Pic.PNG?x=1&y=%20"), Start::Started);

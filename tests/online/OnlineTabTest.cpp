@@ -83,6 +83,16 @@ TEST_F(OnlineTabTest, TheChooserPicksKeepsOrClearsTheSlotsTexture) {
     EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://keep/me.png");
 }
 
+// The rows take what was imported, so closing the window keeps it.
+TEST_F(OnlineTabTest, AnImportSurvivesTheClose) {
+    choose("webImport",
+           writeFile("given.reg", "REGEDIT4\r\n[HKEY_CURRENT_USER\\Software\\CohKelvaris]"
+                                  "\r\n\"webLink3\"=\"http://new/3.png\"\r\n"));
+    EXPECT_EQ(row<QLineEdit>("webURL", 3)->text(), "http://new/3.png");
+    form->Unload();
+    EXPECT_EQ(setting("webLink3"), "http://new/3.png");
+}
+
 // A randomizer start refreshes the slots once a day: it waits for the
 // download, stores the day and ends; a second start that day ends at once.
 TEST_F(OnlineTabTest, TheRandomizerRefreshesStoresTheDateAndEndsOnlyOnceADay) {
