@@ -51,18 +51,18 @@ while [ $n -lt "$runs" ]; do
         "$kelvaris" -randomizer -x 1
     ended=$(date +%s%N)
     while [ ! -s "$work/started" ]; do sleep 0.01; done
-    times="$times $(( ($(cat "$work/started") - start) / 1000000 ))"
-    lifetimes="$lifetimes $(( (ended - start) / 1000000 ))"
+    times="$times $(( ($(cat "$work/started") - start) / 1000 ))"
+    lifetimes="$lifetimes $(( (ended - start) / 1000 ))"
     n=$((n + 1))
 done
 echo "$lifetimes" | tr ' ' '\n' | grep . | sort -n | awk '
     { t[NR] = $1 }
-    END { printf "whole randomizer process over %d runs: median %d ms\n", NR, t[int((NR + 1) / 2)] }'
+    END { printf "whole randomizer process over %d runs: median %.1f ms\n", NR, t[int((NR + 1) / 2)] / 1000 }'
 echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '
     { t[NR] = $1 }
-    END { printf "randomizer start to client launch over %d runs: median %d ms, best %d ms, worst %d ms\n",
-          NR, t[int((NR + 1) / 2)], t[1], t[NR] }'
-ours=$(echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+    END { printf "randomizer start to client launch over %d runs: median %.1f ms, best %.1f ms, worst %.1f ms\n",
+          NR, t[int((NR + 1) / 2)] / 1000, t[1] / 1000, t[NR] / 1000 }'
+ours=$(echo "$times" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { printf "%.1f", t[int((NR + 1) / 2)] / 1000 }')
 
 # The floor starts the same stand-in client after its copies, so that both
 # sides pay for starting it.
@@ -73,10 +73,10 @@ while [ $n -lt "$runs" ]; do
     start=$(date +%s%N)
     "$bare" "$work/entry.dds" "$work/copy1.dds" "$work/copy2.dds"
     "$work/bin/wine"
-    floors="$floors $((($(cat "$work/started") - start) / 1000000))"
+    floors="$floors $((($(cat "$work/started") - start) / 1000))"
     n=$((n + 1))
 done
-floor=$(echo "$floors" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+floor=$(echo "$floors" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { printf "%.1f", t[int((NR + 1) / 2)] / 1000 }')
 echo "bare Qt program copying 4 MiB twice, then the client, over $runs runs: median $floor ms"
 
 # The whole process beside a bare Qt program that only starts and ends.
@@ -86,11 +86,11 @@ n=0
 while [ $n -lt "$runs" ]; do
     start=$(date +%s%N)
     "$bare" "$work/empty" "$work/copy1.dds" "$work/copy2.dds"
-    bares="$bares $((($(date +%s%N) - start) / 1000000))"
+    bares="$bares $((($(date +%s%N) - start) / 1000))"
     n=$((n + 1))
 done
-bare_start=$(echo "$bares" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
-lifetime=$(echo "$lifetimes" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { print t[int((NR + 1) / 2)] }')
+bare_start=$(echo "$bares" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { printf "%.1f", t[int((NR + 1) / 2)] / 1000 }')
+lifetime=$(echo "$lifetimes" | tr ' ' '\n' | grep . | sort -n | awk '{ t[NR] = $1 } END { printf "%.1f", t[int((NR + 1) / 2)] / 1000 }')
 echo "bare Qt program starting and ending over $runs runs: median $bare_start ms"
 echo "RESULT randomizer_start $ours $floor"
 echo "RESULT randomizer_lifetime $lifetime $bare_start"
