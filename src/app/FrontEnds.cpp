@@ -34,12 +34,12 @@ int RunFrontEnds(int argc, char* argv[], const FrontEndsStart& start) {
                      reason != nullptr ? reason : "not found beside the program");
         return 1;
     }
-    const auto main =
+    const auto entry =
         reinterpret_cast<decltype(&KelvarisFrontEndsMain)>(dlsym(module, KELVARIS_FRONT_ENDS_MAIN));
-    if (main == nullptr) {
+    if (entry == nullptr) {
         std::fprintf(stderr, "Kelvaris: %s has no entry point\n", kModuleName);
         return 1;
     }
     // The module stays loaded to the end: Qt's objects outlive this call.
-    return main(argc, argv, start);
+    return entry(argc, argv, start);
 }
