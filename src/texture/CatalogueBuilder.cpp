@@ -5,37 +5,34 @@
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
 #include "texture/CatalogueWriter.h"
-#include "texture/GameArchive.h"
-#include "texture/TextureHeader.h"
+#include "texture/InterfaceTextures.h"
+#include "texture/TextureKeys.h"
 
 #include <QDirIterator>
 #include <QFile>
 #include <QHash>
+#include <QSemaphore>
 #include <QSet>
+#include <QThreadPool>
 #include <algorithm>
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <numeric>
 
 namespace {
 
 const QString kLibraryPrefix = QStringLiteral("texture_library/");
-const QString kGuiPrefix = QStringLiteral("texture_library/GUI/");
-const QString kTextureSuffix = QStringLiteral(".texture");
-// Progress is shown (and the window's events run) once per this many textures.
-constexpr int kProgressStep = 64;
-// A texture header longer than this is not believed.
-constexpr qint64 kMaxTextureStart = 64 * 1024;
+// The window's events run and Cancel is looked at this often while the
+// archives are read on every core.
+constexpr int kProgressMs = 20;
+// The textures of an archive are sized in runs of this many, so both cores
+// stay busy when one archive holds nearly all of them.
+constexpr qsizetype kSizingRun = 1024;
 
-// A texture found in an archive's directory, waiting for its size.
-struct FoundTexture {
-    int archive = 0;
-    ArchiveEntry entry;
-    QString folder;
-    QString file;
-    QString key; // textureKey(folder, file)
-};
-
-// Name order without regard to letter case, then by the exact text. Plain
-// ASCII, by far the most common, is folded here; a name holding any other
-// character is left to Qt's case folding whole.
+// Name order without regard to letter case, then by the exact text. Where
+// the names first differ in plain ASCII, the letters are folded here; a
+// difference involving any other character is left to Qt's case folding.
 bool lessByName(const QString& a, const QString& b) {
     const QChar* x = a.constData();
     const QChar* y = b.constData();
@@ -43,6 +40,8 @@ bool lessByName(const QString& a, const QString& b) {
     for (qsizetype i = 0; i < n; ++i) {
         char16_t p = x[i].unicode();
         char16_t q = y[i].unicode();
+        if (p == q)
+            continue; // folds alike, whatever it is
         if (p >= 0x80 || q >= 0x80) {
             const int c = a.compare(b, Qt::CaseInsensitive);
             return c != 0 ? c < 0 : a < b;
@@ -57,6 +56,53 @@ bool lessByName(const QString& a, const QString& b) {
     return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
+// The first 16 characters of a name folded to lower case, as two numbers
+// that compare as the characters do; `plain` is false when one of them is
+// not plain ASCII (or a NUL, which the padding of a shorter name uses).
+struct NamePrefix {
+    quint64 high = 0;
+    quint64 low = 0;
+    bool plain = true;
+    qsizetype index = 0; // of the entry in its list
+};
+
+NamePrefix namePrefix(const QString& name, qsizetype index) {
+    NamePrefix prefix;
+    prefix.index = index;
+    const qsizetype length = qMin<qsizetype>(name.size(), 16);
+    for (qsizetype i = 0; i < 16; ++i) {
+        char16_t c = i < length ? name[i].unicode() : 0;
+        if (i < length && (c == 0 || c >= 0x80)) {
+            prefix.plain = false;
+            return prefix;
+        }
+        if (c >= u'A' && c <= u'Z')
+            c += u'a' - u'A';
+        quint64& half = i < 8 ? prefix.high : prefix.low;
+        half = half << 8 | c;
+    }
+    return prefix;
+}
+
+// Sorts the textures by name as lessByName orders them. Most names differ
+// within their first 16 characters, so those are compared as numbers first.
+void sortByName(QList<CatalogueEntry>& entries) {
+    QList<NamePrefix> order;
+    order.reserve(entries.size());
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        order.append(namePrefix(entries[i].name, i));
+    std::sort(order.begin(), order.end(), [&entries](const NamePrefix& a, const NamePrefix& b) {
+        if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
+            return a.high != b.high ? a.high < b.high : a.low < b.low;
+        return lessByName(entries[a.index].name, entries[b.index].name);
+    });
+    QList<CatalogueEntry> sorted;
+    sorted.reserve(entries.size());
+    for (const NamePrefix& prefix : std::as_const(order))
+        sorted.append(std::move(entries[prefix.index]));
+    entries = std::move(sorted);
+}
+
 // "texture_library/GUI/Icons" gives "GUI/Icons"; a folder elsewhere keeps
 // its whole path.
 QString categoryName(const QString& folder) {
@@ -65,166 +111,192 @@ QString categoryName(const QString& folder) {
     return folder;
 }
 
-// Whether `text` is `ascii` without regard to letter case. ASCII letters
-// are folded here; a character outside ASCII leaves the answer to Qt.
-bool equalsNoCase(QStringView text, QStringView ascii) {
-    if (text.size() != ascii.size())
-        return false;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        char16_t c = text[i].unicode();
-        char16_t a = ascii[i].unicode();
-        if (c >= 0x80)
-            return text.compare(ascii, Qt::CaseInsensitive) == 0;
-        if (c >= u'A' && c <= u'Z')
-            c += u'a' - u'A';
-        if (a >= u'A' && a <= u'Z')
-            a += u'a' - u'A';
-        if (c != a)
-            return false;
-    }
-    return true;
-}
-
-bool isInterfaceTexture(const QString& name) {
-    return name.size() >= kGuiPrefix.size() + kTextureSuffix.size() &&
-           equalsNoCase(QStringView(name).first(kGuiPrefix.size()), kGuiPrefix) &&
-           equalsNoCase(QStringView(name).last(kTextureSuffix.size()), kTextureSuffix);
-}
-
-// The text in lower case, as QString::toLower gives it; plain ASCII is
-// lowered here without Qt's tables.
-QString lowered(QString text) {
-    QChar* chars = text.data();
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = chars[i].unicode();
-        if (c >= 0x80)
-            return std::move(text).toLower();
-        if (c >= u'A' && c <= u'Z')
-            chars[i] = QChar(char16_t(c + (u'a' - u'A')));
-    }
-    return text;
-}
-
-QString textureKey(const QString& folder, const QString& file) {
-    return lowered(folder + u'/' + file);
-}
-
 // Collects the categories, keyed by lower-case folder, so names in mixed
 // letter case land in one category.
 class CategorySet {
 public:
-    bool Contains(const CatalogueEntry& entry) const {
-        return keys_.contains(textureKey(entry.folder, entry.file));
-    }
-    void Add(const CatalogueEntry& entry) {
-        keys_.insert(textureKey(entry.folder, entry.file));
-        AddEntry(CategoryOf(entry.folder), entry);
-    }
-    // Adds the entry alone, to the category CategoryOf gave for its folder;
-    // its key comes with SetKeys.
-    void AddEntry(qsizetype category, const CatalogueEntry& entry) {
-        categories_[category].entries.append(entry);
+    void Add(const CatalogueEntry& entry) { AddEntry(CategoryOf(entry.folder), entry); }
+    // Adds the entry to the category CategoryOf gave for its folder.
+    void AddEntry(qsizetype category, CatalogueEntry entry) {
+        categories_[category].entries.append(std::move(entry));
         ++textures_;
     }
     // The place of the folder's category, made when it is new.
     qsizetype CategoryOf(const QString& folder) {
-        const QString lower = lowered(folder);
-        qsizetype index = byFolder_.value(lower, -1);
+        const QByteArray key = TextureKey(folder);
+        qsizetype index = byFolder_.value(key, -1);
         if (index < 0) {
             index = categories_.size();
             categories_.append({categoryName(folder), {}});
-            byFolder_.insert(lower, index);
+            byFolder_.insert(key, index);
         }
         return index;
     }
-    // The keys of every entry added with AddEntry, and of no other texture.
-    void SetKeys(QSet<QString> keys) { keys_ = std::move(keys); }
     int Textures() const { return textures_; }
 
-    QList<CatalogueCategory> TakeSorted() {
-        QList<CatalogueCategory> list = std::move(categories_);
-        std::sort(list.begin(), list.end(),
-                  [](const auto& a, const auto& b) { return lessByName(a.name, b.name); });
-        for (CatalogueCategory& category : list)
-            std::sort(category.entries.begin(), category.entries.end(),
-                      [](const auto& a, const auto& b) { return lessByName(a.name, b.name); });
-        return list;
-    }
+    QList<CatalogueCategory> Take() { return std::move(categories_); }
 
 private:
     QList<CatalogueCategory> categories_;
-    QHash<QString, qsizetype> byFolder_; // by lower-case folder
-    QSet<QString> keys_;
+    QHash<QByteArray, qsizetype> byFolder_;
     int textures_ = 0;
+};
+
+// Frees what a build leaves behind (tens of thousands of strings and lists)
+// on a pool thread, so the player has the result without waiting for that.
+template <typename... Parts> void releaseLater(Parts&&... parts) {
+    QThreadPool::globalInstance()->start([... held = std::move(parts)] {});
+}
+
+// The catalogue's categories in name order, each with its text, as the
+// builder gives them: `fits` is false when the categories must first be
+// fitted into the catalogue's counts (and their texts made again).
+struct SortedCatalogue {
+    QList<CatalogueCategory> categories;
+    QList<CatalogueCategoryText> texts;
+    bool fits = true;
 };
 
 class Builder {
 public:
-    Builder(QStringList archives, BusyHost& host) : archives_(std::move(archives)), host_(host) {}
+    Builder(const QStringList& archives, BusyHost& host);
+    ~Builder() {
+        releaseLater(std::move(archives_), std::move(runs_), std::move(keys_), std::move(found_));
+    }
+    Builder(const Builder&) = delete;
+    Builder& operator=(const Builder&) = delete;
 
     // False when cancelled.
     bool Run();
-    CategorySet& Found() { return found_; }
+    int Textures() const { return found_.Textures() + placedCount_; }
+    // Adds the textures of `catalogue` whose keys are not taken.
+    void AddMissing(const QList<CatalogueCategory>& catalogue);
+    SortedCatalogue TakeSorted();
     QStringList Problems() const { return problems_; }
     int Unreadable() const { return unreadable_; }
 
 private:
-    bool readDirectories();
+    bool inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task,
+                    bool cancellable = true);
+    bool findTextures();
     bool readSizes();
+    void placeTextures();
     qsizetype categoryOf(const QString& folder);
-    void addTexture(const FoundTexture& texture, const QByteArray& start);
 
-    QStringList archives_;
     BusyHost& host_;
-    QList<FoundTexture> pending_;
-    QSet<QString> keys_;
+    std::atomic<bool> cancel_ = false;
+    std::atomic<long> done_ = 0;
+    QList<ArchiveTextures> archives_;
+    // The runs the archives' textures are sized in, and what each found.
+    struct SizingRun {
+        qsizetype archive;
+        qsizetype from;
+        qsizetype to;
+        SizedTextures sized;
+    };
+    QList<SizingRun> runs_;
+    TextureKeys keys_;
     // The category of each folder, by the folder as written, or -1 when
     // catalogue entries may not name it.
     QHash<QString, qsizetype> folders_;
     CategorySet found_;
+    // The sized textures of each category, as places in archives_, waiting
+    // to be moved into it.
+    struct Place {
+        qsizetype archive;
+        const QList<qsizetype>* lines; // in that archive's `sized`
+    };
+    QList<QList<Place>> placed_;
+    int placedCount_ = 0;
     QStringList problems_;
     int unreadable_ = 0;
 };
 
-bool Builder::readDirectories() {
-    for (int a = 0; a < archives_.size(); ++a) {
-        QFile file;
-        ArchiveDirectory directory;
-        if (OpenRegularFile(file, archives_[a]))
-            directory = ReadArchiveDirectory(file);
-        else
-            directory.error = QStringLiteral("could not be opened.");
-        if (!directory.error.isEmpty())
-            problems_.append(u'"' + archives_[a] + QStringLiteral("\" ") + directory.error);
-        for (ArchiveEntry& entry : directory.entries) {
-            if (!isInterfaceTexture(entry.name))
-                continue;
-            const qsizetype slash = entry.name.lastIndexOf(u'/');
-            FoundTexture texture{a, std::move(entry), QString(), QString(), QString()};
-            texture.folder = texture.entry.name.left(slash);
-            texture.file = texture.entry.name.mid(slash + 1).chopped(kTextureSuffix.size());
-            // The same as textureKey(folder, file).
-            texture.key = lowered(texture.entry.name.chopped(kTextureSuffix.size()));
-            pending_.append(std::move(texture));
-        }
-        host_.ShowProgress(a + 1, QString());
+Builder::Builder(const QStringList& archives, BusyHost& host) : host_(host) {
+    for (const QString& path : archives)
+        archives_.append(ArchiveTextures{path, {}, {}, {}, {}, {}, {}});
+}
+
+// Runs task(0) to task(tasks - 1) on every core, on Qt's shared pool, whose
+// threads (and the memory they have used) outlive one build, while this
+// thread keeps the progress moving and, when `cancellable`, passes a Cancel
+// on to them.
+bool Builder::inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task,
+                         bool cancellable) {
+    // Each task holds the semaphore: its release may still be running when
+    // the last one wakes this thread.
+    const auto finished = std::make_shared<QSemaphore>();
+    for (qsizetype i = 0; i < tasks; ++i)
+        QThreadPool::globalInstance()->start([&task, finished, this, i] {
+            if (!cancel_.load(std::memory_order_relaxed))
+                task(i);
+            finished->release();
+        });
+    while (!finished->tryAcquire(int(tasks), kProgressMs)) {
+        host_.ShowProgress(done_, QString());
+        if (cancellable && host_.CancelRequested())
+            cancel_ = true;
+    }
+    return !cancel_;
+}
+
+bool Builder::findTextures() {
+    if (!inParallel(archives_.size(), [this](qsizetype a) {
+            FindInterfaceTextures(archives_[a]);
+            ++done_;
+        }))
+        return false;
+    qsizetype found = 0;
+    for (qsizetype a = 0; a < archives_.size(); ++a) {
+        const ArchiveTextures& archive = archives_[a];
+        if (!archive.index.error.isEmpty())
+            problems_.append(u'"' + archive.path + QStringLiteral("\" ") + archive.index.error);
+        found += archive.found.size();
+        host_.ShowProgress(long(a + 1), QString());
         if (host_.CancelRequested())
             return false;
     }
     // A texture in more than one archive is taken from the first.
-    keys_.reserve(pending_.size());
-    qsizetype kept = 0;
-    for (qsizetype i = 0; i < pending_.size(); ++i) {
-        const qsizetype known = keys_.size();
-        keys_.insert(pending_[i].key);
-        if (keys_.size() == known)
-            continue;
-        if (kept != i)
-            pending_[kept] = std::move(pending_[i]);
-        ++kept;
+    keys_.Reserve(found);
+    for (ArchiveTextures& archive : archives_) {
+        // In file order, so the archive is read front to back; an archive's
+        // directory is mostly in that order already.
+        QList<std::pair<quint32, qsizetype>> order;
+        order.reserve(archive.found.size());
+        for (qsizetype i = 0; i < archive.found.size(); ++i) {
+            const InterfaceTexture& texture = archive.found[i];
+            if (keys_.Insert(archive.Key(texture), texture.keyHash))
+                order.append({archive.index.entries[texture.entry].offset, i});
+        }
+        if (!std::is_sorted(order.cbegin(), order.cend()))
+            std::sort(order.begin(), order.end());
+        archive.toSize.reserve(order.size());
+        for (const auto& [offset, i] : std::as_const(order))
+            archive.toSize.append(i);
     }
-    pending_.resize(kept);
     return true;
+}
+
+bool Builder::readSizes() {
+    long total = 0;
+    for (qsizetype a = 0; a < archives_.size(); ++a) {
+        const qsizetype count = archives_[a].toSize.size();
+        archives_[a].sized.resize(count);
+        for (qsizetype from = 0; from < count; from += kSizingRun)
+            runs_.append({a, from, qMin(count, from + kSizingRun), {}});
+        total += long(count);
+    }
+    host_.SetProgressMaximum(total);
+    host_.ShowProgress(0, QStringLiteral("Reading the sizes of %1 textures...").arg(total));
+    done_ = 0;
+    SizingRun* runs = runs_.data();
+    if (!inParallel(runs_.size(), [this, runs](qsizetype r) {
+            runs[r].sized = ReadInterfaceTextureSizes(archives_[runs[r].archive], runs[r].from,
+                                                      runs[r].to, cancel_, done_);
+        }))
+        return false;
+    host_.ShowProgress(total, QString());
+    return !host_.CancelRequested();
 }
 
 // The archives hold a few folders for many textures, so each spelling of a
@@ -239,67 +311,86 @@ qsizetype Builder::categoryOf(const QString& folder) {
     return category;
 }
 
-void Builder::addTexture(const FoundTexture& texture, const QByteArray& start) {
-    CatalogueEntry entry{texture.file, 0, 0, texture.folder, texture.file};
-    const bool usable = ReadTextureSize(start, entry.width, entry.height) &&
-                        entry.width <= kMaxCatalogueCount && entry.height <= kMaxCatalogueCount &&
-                        IsSafeCatalogueFile(entry.file) && IsCatalogueText(entry.file);
-    // Asked last: a folder's category is made with its first texture.
-    const qsizetype category = usable ? categoryOf(entry.folder) : -1;
-    if (category < 0) {
-        ++unreadable_;
-        keys_.remove(texture.key);
-        return;
+// Gives each folder of the sized runs its category, in the order the
+// archives hold the textures, so a category takes its name from the first
+// spelling found.
+void Builder::placeTextures() {
+    for (const SizingRun& run : std::as_const(runs_)) {
+        const ArchiveTextures& archive = archives_[run.archive];
+        QList<qsizetype> unusable = run.sized.unusable;
+        for (qsizetype f = 0; f < run.sized.folders.size(); ++f) {
+            const qsizetype category = categoryOf(run.sized.folders[f]);
+            if (category < 0) {
+                unusable += run.sized.lines[f];
+                continue;
+            }
+            if (category >= placed_.size())
+                placed_.resize(category + 1);
+            placed_[category].append({run.archive, &run.sized.lines[f]});
+            placedCount_ += int(run.sized.lines[f].size());
+        }
+        for (const qsizetype line : std::as_const(unusable)) {
+            ++unreadable_;
+            const InterfaceTexture& found = archive.found[archive.toSize[line]];
+            keys_.Remove(archive.Key(found), found.keyHash);
+        }
     }
-    found_.AddEntry(category, entry);
 }
 
-bool Builder::readSizes() {
-    // In file order, so each archive is read front to back in one pass.
-    std::sort(pending_.begin(), pending_.end(), [](const auto& a, const auto& b) {
-        return a.archive != b.archive ? a.archive < b.archive : a.entry.offset < b.entry.offset;
-    });
-    host_.SetProgressMaximum(pending_.size());
-    host_.ShowProgress(0,
-                       QStringLiteral("Reading the sizes of %1 textures...").arg(pending_.size()));
-    qsizetype first = 0;
-    while (first < pending_.size()) {
-        const int archive = pending_[first].archive;
-        QList<ArchiveEntry> entries;
-        for (qsizetype i = first; i < pending_.size() && pending_[i].archive == archive; ++i)
-            entries.append(pending_[i].entry);
-        QFile file;
-        const bool opened = OpenRegularFile(file, archives_[archive]);
-        ArchiveStartReader reader(file, std::move(entries));
-        for (qsizetype n = 0; n < reader.Count(); ++n) {
-            const qsizetype i = first + n;
-            if (!opened) {
-                ++unreadable_;
-                keys_.remove(pending_[i].key);
-            } else {
-                QString error;
-                // The 32-byte header first: it holds the size of most textures.
-                QByteArray start = reader.Start(n, int(TextureSizeBytesNeeded({})), error);
-                const qint64 needed = TextureSizeBytesNeeded(start);
-                if (error.isEmpty() && needed > start.size() && needed <= kMaxTextureStart &&
-                    needed <= reader.Entry(n).size)
-                    start = reader.Start(n, int(needed), error);
-                addTexture(pending_[i], start);
-            }
-            if ((i + 1) % kProgressStep == 0 || i + 1 == pending_.size()) {
-                host_.ShowProgress(long(i + 1), QString());
-                if (host_.CancelRequested())
-                    return false;
-            }
-        }
-        first += reader.Count();
+// Each category gathers its textures, sorts them and puts them into text on
+// its own core; the categories come in name order, their texts with them.
+// A category too large for the catalogue's counts is left without text.
+SortedCatalogue Builder::TakeSorted() {
+    QList<CatalogueCategory> list = found_.Take();
+    placed_.resize(list.size());
+    QList<CatalogueEntry*> lines;
+    for (ArchiveTextures& archive : archives_)
+        lines.append(archive.sized.data());
+    QList<CatalogueCategoryText> texts(list.size());
+    CatalogueCategory* categories = list.data();
+    CatalogueCategoryText* text = texts.data();
+    inParallel(
+        list.size(),
+        [this, categories, text, &lines](qsizetype c) {
+            QList<CatalogueEntry>& entries = categories[c].entries;
+            qsizetype count = entries.size();
+            for (const Place& place : placed_.at(c))
+                count += place.lines->size();
+            entries.reserve(count);
+            for (const Place& place : placed_.at(c))
+                for (const qsizetype line : *place.lines)
+                    entries.append(std::move(lines[place.archive][line]));
+            sortByName(entries);
+            if (entries.size() <= kMaxCatalogueCount)
+                text[c] = FormatCatalogueCategory(categories[c]);
+        },
+        false);
+    QList<qsizetype> order(list.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(),
+              [&list](qsizetype a, qsizetype b) { return lessByName(list[a].name, list[b].name); });
+    SortedCatalogue sorted;
+    for (const qsizetype c : std::as_const(order)) {
+        sorted.fits = sorted.fits && list[c].entries.size() <= kMaxCatalogueCount;
+        sorted.categories.append(std::move(list[c]));
+        sorted.texts.append(std::move(texts[c]));
     }
-    found_.SetKeys(std::move(keys_));
-    return true;
+    sorted.fits = sorted.fits && sorted.categories.size() <= kMaxCatalogueCount;
+    return sorted;
+}
+
+void Builder::AddMissing(const QList<CatalogueCategory>& catalogue) {
+    for (const CatalogueCategory& category : catalogue)
+        for (const CatalogueEntry& entry : category.entries)
+            if (keys_.InsertCopy(TextureKey(entry.folder + u'/' + entry.file)))
+                found_.Add(entry);
 }
 
 bool Builder::Run() {
-    return readDirectories() && readSizes();
+    if (!findTextures() || !readSizes())
+        return false;
+    placeTextures();
+    return true;
 }
 
 } // namespace
@@ -359,26 +450,25 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
                                           "catalogue was not changed.")};
     }
     QStringList notes = builder.Problems();
-    if (builder.Found().Textures() == 0) {
+    if (builder.Textures() == 0) {
         notes.prepend(QStringLiteral("No interface textures were found in the game's archives; "
                                      "the catalogue was not changed."));
         return {false, notes.join(u'\n')};
     }
 
     // Textures the shipped catalogue knows but the archives lack keep their place.
-    CategorySet all = std::move(builder.Found());
-    for (const CatalogueCategory& category : ReadCatalogue(ShippedCatalogueFile()).categories)
-        for (const CatalogueEntry& entry : category.entries)
-            if (!all.Contains(entry))
-                all.Add(entry);
+    builder.AddMissing(ReadCatalogue(ShippedCatalogueFile()).categories);
 
-    QList<CatalogueCategory> categories = all.TakeSorted();
-    const int dropped = FitCatalogueCounts(categories);
-    const QString error = WriteCatalogue(UserCatalogueFile(), categories);
+    SortedCatalogue sorted = builder.TakeSorted();
+    QList<CatalogueCategory>& categories = sorted.categories;
+    const int dropped = sorted.fits ? 0 : FitCatalogueCounts(categories);
+    const QString error = sorted.fits
+                              ? WriteCatalogueText(UserCatalogueFile(), categories, sorted.texts)
+                              : WriteCatalogue(UserCatalogueFile(), categories);
     if (!error.isEmpty())
         return {false, error};
     notes.prepend(QStringLiteral("%1 textures in %2 categories")
-                      .arg(all.Textures() - dropped)
+                      .arg(builder.Textures() - dropped)
                       .arg(categories.size()));
     if (builder.Unreadable() > 0)
         notes.append(
@@ -388,5 +478,6 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
         notes.append(QStringLiteral("%1 textures past the catalogue's limit of 32767 categories "
                                     "were left out.")
                          .arg(dropped));
+    releaseLater(std::move(sorted));
     return {true, notes.join(u'\n')};
 }

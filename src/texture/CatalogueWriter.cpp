@@ -10,32 +10,80 @@
 
 namespace {
 
-// Appends the text in double quotes, as UTF-8; plain ASCII, which nearly
-// every name is, is copied without a conversion of its own.
-void appendQuoted(QByteArray& bytes, const QString& text) {
-    bytes += '"';
-    const QChar* chars = text.constData();
-    const qsizetype size = text.size();
-    qsizetype ascii = 0;
-    while (ascii < size && chars[ascii].unicode() < 0x80)
-        ++ascii;
-    if (ascii == size) {
-        const qsizetype at = bytes.size();
-        bytes.resize(at + size);
-        char* out = bytes.data() + at;
-        for (qsizetype i = 0; i < size; ++i)
-            out[i] = char(chars[i].unicode());
-    } else {
-        bytes += text.toUtf8();
+// Fills the catalogue's text straight into a buffer made big enough
+// beforehand: the catalogue build writes tens of thousands of lines, and a
+// call per field would cost more than the file's write.
+class CatalogueText {
+public:
+    explicit CatalogueText(qsizetype capacity) : bytes_(capacity, Qt::Uninitialized) {
+        out_ = bytes_.data();
     }
-    bytes += '"';
-}
 
-void appendNumber(QByteArray& bytes, qsizetype value) {
-    char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    bytes.append(digits, end - digits);
-}
+    // The text in double quotes, as UTF-8. Marks the text as doubtful when it
+    // holds a double quote or a line end (which the catalogue cannot hold).
+    void Quoted(const QString& text) {
+        *out_++ = '"';
+        if (text.constData() == sharedData_ && text.size() == sharedSize_) {
+            // The string of the previous folder again, as a category's
+            // textures share their folder's: its bytes are copied.
+            std::memcpy(out_, shared_, sharedBytes_);
+            out_ += sharedBytes_;
+            *out_++ = '"';
+            return;
+        }
+        const char16_t* in = reinterpret_cast<const char16_t*>(text.constData());
+        const qsizetype size = text.size();
+        // Written without branches, so the compiler turns the loop into
+        // vector instructions: `any` gathers every bit of every character,
+        // `special` is 1 once a double quote or line end is seen.
+        unsigned any = 0;
+        unsigned special = 0;
+        for (qsizetype i = 0; i < size; ++i) {
+            const unsigned c = in[i];
+            any |= c;
+            special |= (((c ^ 0x22u) - 1u) | ((c ^ 0x0Du) - 1u) | ((c ^ 0x0Au) - 1u)) >> 31;
+            out_[i] = char(c);
+        }
+        qsizetype written = size;
+        if (any >= 0x80) {
+            const QByteArray utf8 = text.toUtf8();
+            std::memcpy(out_, utf8.constData(), utf8.size());
+            written = utf8.size();
+        }
+        doubtful_ |= special != 0;
+        out_ += written;
+        *out_++ = '"';
+    }
+    // Quoted() for a string that may come again and again.
+    void QuotedShared(const QString& text) {
+        char* start = out_ + 1;
+        Quoted(text);
+        shared_ = start;
+        sharedBytes_ = out_ - 1 - start;
+        sharedData_ = text.constData();
+        sharedSize_ = text.size();
+    }
+    void Number(qsizetype value) { out_ = std::to_chars(out_, out_ + 24, value).ptr; }
+    void Char(char c) { *out_++ = c; }
+    void LineEnd() {
+        *out_++ = '\r';
+        *out_++ = '\n';
+    }
+    bool Doubtful() const { return doubtful_; }
+    QByteArray Take() {
+        bytes_.truncate(out_ - bytes_.constData());
+        return std::move(bytes_);
+    }
+
+private:
+    QByteArray bytes_;
+    char* out_ = nullptr;
+    bool doubtful_ = false;
+    const char* shared_ = nullptr;
+    qsizetype sharedBytes_ = 0;
+    const QChar* sharedData_ = nullptr;
+    qsizetype sharedSize_ = 0;
+};
 
 bool isSize(int value) {
     return value >= 1 && value <= kMaxCatalogueCount;
@@ -73,39 +121,65 @@ bool IsCatalogueText(const QString& text) {
     return !text.contains(u'"') && !text.contains(u'\r') && !text.contains(u'\n');
 }
 
-QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories) {
-    const QString problem = problemWith(categories);
+CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category) {
+    // Room for the longest text the category can make: every character
+    // three bytes of UTF-8, every number as long as it can be.
+    qsizetype room = 3 * category.name.size() + 32;
+    for (const CatalogueEntry& entry : category.entries)
+        room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 64;
+    CatalogueText text(room);
+    bool doubtful = category.entries.size() > kMaxCatalogueCount;
+    text.Quoted(category.name);
+    text.Char(',');
+    text.Number(category.entries.size());
+    text.LineEnd();
+    for (const CatalogueEntry& entry : category.entries) {
+        doubtful |= !isSize(entry.width) || !isSize(entry.height);
+        text.Quoted(entry.name);
+        text.Char(',');
+        text.Number(entry.width);
+        text.Char(',');
+        text.Number(entry.height);
+        text.Char(',');
+        text.QuotedShared(entry.folder);
+        text.Char(',');
+        text.Quoted(entry.file);
+        text.LineEnd();
+    }
+    doubtful |= text.Doubtful();
+    return {text.Take(), doubtful};
+}
+
+QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
+                           const QList<CatalogueCategoryText>& texts) {
+    bool doubtful = categories.size() > kMaxCatalogueCount || texts.size() != categories.size();
+    for (const CatalogueCategoryText& text : texts)
+        doubtful |= text.doubtful;
+    // What might be wrong is looked for again, in order, for its message.
+    const QString problem = doubtful ? problemWith(categories) : QString();
     if (!problem.isEmpty())
         return QStringLiteral("The texture catalogue \"%1\" was not written: %2")
             .arg(fileName, problem);
-    qsizetype textures = 0;
-    for (const CatalogueCategory& category : categories)
-        textures += category.entries.size();
-    QByteArray text;
-    text.reserve(64 + 64 * categories.size() + 160 * textures);
-    appendNumber(text, categories.size());
-    text += "\r\n";
-    for (const CatalogueCategory& category : categories) {
-        appendQuoted(text, category.name);
-        text += ',';
-        appendNumber(text, category.entries.size());
-        text += "\r\n";
-        for (const CatalogueEntry& entry : category.entries) {
-            appendQuoted(text, entry.name);
-            text += ',';
-            appendNumber(text, entry.width);
-            text += ',';
-            appendNumber(text, entry.height);
-            text += ',';
-            appendQuoted(text, entry.folder);
-            text += ',';
-            appendQuoted(text, entry.file);
-            text += "\r\n";
-        }
-    }
     QDir().mkpath(ReturnPath(fileName));
-    if (!WriteFileAtomically(fileName, text))
+    FileRecord record = OpenReplacingFileRecord(fileName);
+    bool written = record.Handle != -1;
+    const QByteArray count = QByteArray::number(categories.size()) + "\r\n";
+    written = written && WriteFileBytes(record, count.constData(), count.size()) == count.size();
+    for (const CatalogueCategoryText& text : texts)
+        written = written && WriteFileBytes(record, text.text.constData(), text.text.size()) ==
+                                 text.text.size();
+    if (!written)
+        DiscardFileRecord(record);
+    if (!written || !CommitFileRecord(record))
         return QStringLiteral("The texture catalogue \"%1\" could not be written: %2")
             .arg(fileName, QString::fromLocal8Bit(std::strerror(errno)));
     return {};
+}
+
+QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories) {
+    QList<CatalogueCategoryText> texts;
+    texts.reserve(categories.size());
+    for (const CatalogueCategory& category : categories)
+        texts.append(FormatCatalogueCategory(category));
+    return WriteCatalogueText(fileName, categories, texts);
 }

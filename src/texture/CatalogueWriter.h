@@ -2,6 +2,7 @@
 
 #include "texture/Catalogue.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 
@@ -23,3 +24,18 @@ bool IsCatalogueText(const QString& text);
 // textures in a category, a text IsCatalogueText refuses, or a size outside
 // 1..32767.
 QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories);
+
+// WriteCatalogue in two steps, so the categories can be put into text on
+// several threads: a category's lines, and whether it may hold something the
+// catalogue cannot (which WriteCatalogueText then looks for again in order,
+// for its message).
+struct CatalogueCategoryText {
+    QByteArray text;
+    bool doubtful = false;
+};
+CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category);
+
+// Writes the categories' texts, one for each category in the same order, as
+// WriteCatalogue writes the categories.
+QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
+                           const QList<CatalogueCategoryText>& texts);

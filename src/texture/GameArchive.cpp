@@ -19,12 +19,15 @@ constexpr int kMinNameRowBytes = 5;
 // hostile (or enormous) file from making Kelvaris read hundreds of megabytes.
 constexpr qint64 kMaxDirectoryBytes = 64 * 1024 * 1024;
 constexpr qint64 kMaxNameTableBytes = 64 * 1024 * 1024;
-// Entries' starts are read in windows of at most this many bytes, taking in
-// every entry that lies no further than kGapBytes past the one before; a
-// wider gap is skipped by a seek. About this much of each entry is planned
-// for: a texture's header, compressed or not, fits in it.
-constexpr qint64 kWindowBytes = 1024 * 1024;
-constexpr qint64 kGapBytes = 64 * 1024;
+// Entries' starts are read in windows of at most this many bytes (small
+// enough to stay in a core's cache), taking in every entry that lies no
+// further than kGapBytes past the one before; a wider gap is skipped by a
+// seek. Reading a gap of that size from the page cache costs about as much as
+// one more read call, so wider gaps are not worth reading through. About
+// kPlannedEntryBytes of each entry is planned for: a texture's header,
+// compressed or not, fits in it.
+constexpr qint64 kWindowBytes = 256 * 1024;
+constexpr qint64 kGapBytes = 8 * 1024;
 constexpr qint64 kPlannedEntryBytes = 2048;
 // How far ahead a window looks for entries to take in.
 constexpr qsizetype kMaxPlannedEntries = 4096;
@@ -48,12 +51,16 @@ quint32 storedBytes(const ArchiveEntry& entry) {
     return entry.compressedSize != 0 ? entry.compressedSize : entry.size;
 }
 
-ArchiveDirectory failure(const QString& problem) {
-    return {{}, problem};
-}
+// Where each name of the table lies in its rows.
+struct NameSpan {
+    quint32 at = 0;
+    quint32 bytes = 0;
+};
 
-// Reads the name table at `at`; returns its names or sets `error`.
-QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString& error) {
+// Reads the name table at `at` into `rows`; returns where its names lie, or
+// sets `error`.
+QList<NameSpan> readNames(QIODevice& device, qint64 at, qint64 fileSize, QByteArray& rows,
+                          QString& error) {
     const QByteArray head = readAt(device, at, kNameTableHeaderBytes);
     if (head.isEmpty()) {
         error = QStringLiteral("is cut short: its name table is missing.");
@@ -76,13 +83,14 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
                     .arg(bytes);
         return {};
     }
-    const QByteArray rows = readAt(device, start, bytes);
+    rows = readAt(device, start, bytes);
     if (rows.size() != qsizetype(bytes) && bytes != 0) {
         error = QStringLiteral("could not be read.");
         return {};
     }
-    QList<QString> names;
+    QList<NameSpan> names;
     names.reserve(count);
+    const char* row = rows.constData();
     qint64 pos = 0;
     for (quint32 i = 0; i < count; ++i) {
         if (pos + 4 > rows.size()) {
@@ -95,11 +103,12 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
             error = QStringLiteral("is damaged: name %1 runs past its table.").arg(i);
             return {};
         }
-        if (rows[pos + length - 1] != '\0') {
+        if (row[pos + length - 1] != '\0') {
             error = QStringLiteral("is damaged: name %1 is not terminated.").arg(i);
             return {};
         }
-        names.append(QString::fromUtf8(rows.constData() + pos));
+        // A name ends at its first NUL.
+        names.append({quint32(pos), quint32(qstrnlen(row + pos, length))});
         pos += length;
     }
     return names;
@@ -107,7 +116,13 @@ QList<QString> readNames(QIODevice& device, qint64 at, qint64 fileSize, QString&
 
 } // namespace
 
-ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
+ArchiveIndex ReadArchiveIndex(QIODevice& device) {
+    ArchiveIndex index;
+    const auto failure = [&index](const QString& problem) {
+        index.entries.clear();
+        index.error = problem;
+        return std::move(index);
+    };
     const qint64 fileSize = device.size();
     const QByteArray header = readAt(device, 0, kHeaderBytes);
     if (header.isEmpty() || LittleEndian32(header, 0) != kArchiveMagic)
@@ -127,12 +142,12 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
     if (directory.size() != directoryBytes)
         return failure(QStringLiteral("could not be read."));
     QString error;
-    const QList<QString> names = readNames(device, headerBytes + directoryBytes, fileSize, error);
+    const QList<NameSpan> names =
+        readNames(device, headerBytes + directoryBytes, fileSize, index.names, error);
     if (!error.isEmpty())
         return failure(error);
 
-    ArchiveDirectory result;
-    result.entries.reserve(count);
+    index.entries.resize(count);
     for (quint32 i = 0; i < count; ++i) {
         const qint64 at = qint64(i) * entryBytes;
         if (LittleEndian32(directory, at) != kEntryMarker)
@@ -143,18 +158,30 @@ ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
                                .arg(i)
                                .arg(nameIndex)
                                .arg(names.size()));
-        ArchiveEntry entry;
-        entry.name = names[nameIndex];
+        ArchiveIndexEntry& entry = index.entries[i];
+        entry.nameAt = names[nameIndex].at;
+        entry.nameBytes = names[nameIndex].bytes;
         entry.size = LittleEndian32(directory, at + 8);
         entry.offset = LittleEndian32(directory, at + 16);
         entry.compressedSize = LittleEndian32(directory, at + 44);
-        if (qint64(entry.offset) + storedBytes(entry) > fileSize)
+        const quint32 stored = entry.compressedSize != 0 ? entry.compressedSize : entry.size;
+        if (qint64(entry.offset) + stored > fileSize)
             return failure(QStringLiteral("is damaged: the data of \"%1\" runs past the end of "
                                           "the file.")
-                               .arg(entry.name));
-        result.entries.append(std::move(entry));
+                               .arg(QString::fromUtf8(index.Name(entry))));
     }
-    return result;
+    return index;
+}
+
+ArchiveDirectory ReadArchiveDirectory(QIODevice& device) {
+    const ArchiveIndex index = ReadArchiveIndex(device);
+    ArchiveDirectory directory;
+    directory.error = index.error;
+    directory.entries.reserve(index.entries.size());
+    for (const ArchiveIndexEntry& entry : index.entries)
+        directory.entries.append(
+            {QString::fromUtf8(index.Name(entry)), entry.size, entry.offset, entry.compressedSize});
+    return directory;
 }
 
 QByteArray ReadArchiveEntryStart(QIODevice& device, const ArchiveEntry& entry, int maxBytes,
@@ -163,16 +190,26 @@ QByteArray ReadArchiveEntryStart(QIODevice& device, const ArchiveEntry& entry, i
     return reader.Start(0, maxBytes, error);
 }
 
+// The window a thread's last reader read through, kept for its next reader:
+// a window is a large allocation, and fresh memory costs a page fault per
+// page on first use, which for many short runs of entries cost more than
+// the reading.
+thread_local QByteArray spareWindow;
+
 struct ArchiveStartReader::State {
     State(QIODevice& device, QList<ArchiveEntry> entries)
-        : device(device), entries(std::move(entries)) {}
+        : device(device), entries(std::move(entries)), window(std::move(spareWindow)) {
+        window.resize(0); // its room is kept; what it held was another file's
+    }
     ~State() {
         if (streamReady)
             inflateEnd(&stream);
+        if (window.capacity() <= kWindowBytes + kInflateChunk)
+            spareWindow = std::move(window);
     }
 
     QByteArrayView bytes(qint64 at, qint64 count);
-    QByteArray inflateStart(qsizetype index, qint64 wanted, QString& error);
+    QByteArrayView inflateStart(qsizetype index, qint64 wanted, QString& error);
 
     QIODevice& device;
     const QList<ArchiveEntry> entries;
@@ -217,7 +254,8 @@ QByteArrayView ArchiveStartReader::State::bytes(qint64 at, qint64 count) {
 
 // The entry's stream is kept open after its first bytes, so asking for more
 // of the same entry next goes on from where it stopped.
-QByteArray ArchiveStartReader::State::inflateStart(qsizetype index, qint64 wanted, QString& error) {
+QByteArrayView ArchiveStartReader::State::inflateStart(qsizetype index, qint64 wanted,
+                                                       QString& error) {
     const ArchiveEntry& entry = entries[index];
     if (inflating != index) {
         inflating = -1;
@@ -229,7 +267,7 @@ QByteArray ArchiveStartReader::State::inflateStart(qsizetype index, qint64 wante
             return {};
         }
         inflating = index;
-        inflated.clear();
+        inflated.resize(0); // keeps its room for the next entry
         inputAt = entry.offset;
         inputLeft = entry.compressedSize;
         status = Z_OK;
@@ -265,7 +303,7 @@ QByteArray ArchiveStartReader::State::inflateStart(qsizetype index, qint64 wante
         error = QStringLiteral("\"%1\" is damaged: its compressed data is broken.").arg(entry.name);
         return {};
     }
-    return inflated.left(wanted);
+    return QByteArrayView(inflated).first(wanted);
 }
 
 ArchiveStartReader::ArchiveStartReader(QIODevice& device, QList<ArchiveEntry> entries)
@@ -282,6 +320,10 @@ const ArchiveEntry& ArchiveStartReader::Entry(qsizetype index) const {
 }
 
 QByteArray ArchiveStartReader::Start(qsizetype index, int maxBytes, QString& error) {
+    return StartBytes(index, maxBytes, error).toByteArray();
+}
+
+QByteArrayView ArchiveStartReader::StartBytes(qsizetype index, int maxBytes, QString& error) {
     const ArchiveEntry& entry = state_->entries[index];
     const qint64 wanted = qMin<qint64>(qMax(maxBytes, 0), entry.size);
     if (wanted == 0)
@@ -294,5 +336,5 @@ QByteArray ArchiveStartReader::Start(qsizetype index, int maxBytes, QString& err
         error = QStringLiteral("\"%1\" could not be read.").arg(entry.name);
         return {};
     }
-    return bytes.toByteArray();
+    return bytes;
 }

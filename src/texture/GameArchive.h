@@ -25,11 +25,36 @@ struct ArchiveDirectory {
     QString error;               // "" when the directory was read whole
 };
 
+// The same directory with its names left as the bytes of the name table, for
+// walking many thousand entries without making a string of each.
+struct ArchiveIndexEntry {
+    quint32 nameAt = 0;    // where the name starts in ArchiveIndex::names
+    quint32 nameBytes = 0; // up to its terminating NUL
+    quint32 size = 0;
+    quint32 offset = 0;
+    quint32 compressedSize = 0;
+};
+
+struct ArchiveIndex {
+    QByteArray names;                 // the name table's rows
+    QList<ArchiveIndexEntry> entries; // in directory order
+    QString error;                    // as ArchiveDirectory's
+
+    // The entry's name as the archive holds it (UTF-8).
+    QByteArrayView Name(const ArchiveIndexEntry& entry) const {
+        return QByteArrayView(names).sliced(entry.nameAt, entry.nameBytes);
+    }
+};
+
 // Reads the directory and the name table of the archive open in `device`
 // (readable and seekable). On error, `entries` is empty and `error` says what
 // is wrong, as a clause to follow the archive's name ("is not a game
 // archive.").
 ArchiveDirectory ReadArchiveDirectory(QIODevice& device);
+
+// Reads and checks the directory as ReadArchiveDirectory does, leaving the
+// names undecoded.
+ArchiveIndex ReadArchiveIndex(QIODevice& device);
 
 // The first `maxBytes` bytes of an entry's content (fewer when it is
 // shorter), inflated when it is compressed; only as much compressed data as
@@ -55,6 +80,9 @@ public:
     // The first `maxBytes` bytes of entry `index`, as ReadArchiveEntryStart
     // gives them.
     QByteArray Start(qsizetype index, int maxBytes, QString& error);
+
+    // The same bytes without a copy: they stay valid until the next call.
+    QByteArrayView StartBytes(qsizetype index, int maxBytes, QString& error);
 
 private:
     struct State;

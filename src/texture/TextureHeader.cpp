@@ -9,9 +9,8 @@ constexpr qint64 kHeaderBytes = 32;
 constexpr qint64 kDdsHeight = 12;
 constexpr qint64 kDdsWidth = 16;
 
-bool hasMark(const QByteArray& start) {
-    return start.size() >= kHeaderBytes && start[28] == '\0' &&
-           QByteArrayView(start).sliced(29, 3) == "TX2";
+bool hasMark(QByteArrayView start) {
+    return start.size() >= kHeaderBytes && start[28] == '\0' && start.sliced(29, 3) == "TX2";
 }
 
 bool toSize(quint32 value, int& size) {
@@ -23,13 +22,13 @@ bool toSize(quint32 value, int& size) {
 
 } // namespace
 
-qint64 TextureSizeBytesNeeded(const QByteArray& start) {
+qint64 TextureSizeBytesNeeded(QByteArrayView start) {
     if (start.size() < kHeaderBytes || hasMark(start))
         return kHeaderBytes;
     return qint64(LittleEndian32(start, 0)) + kDdsWidth + 4;
 }
 
-bool ReadTextureSize(const QByteArray& start, int& width, int& height) {
+bool ReadTextureSize(QByteArrayView start, int& width, int& height) {
     if (start.size() < kHeaderBytes)
         return false;
     int w = 0;
@@ -39,7 +38,7 @@ bool ReadTextureSize(const QByteArray& start, int& width, int& height) {
             return false;
     } else {
         const qint64 dds = LittleEndian32(start, 0);
-        if (dds + kDdsWidth + 4 > start.size() || QByteArrayView(start).sliced(dds, 4) != "DDS ")
+        if (dds + kDdsWidth + 4 > start.size() || start.sliced(dds, 4) != "DDS ")
             return false;
         if (!toSize(LittleEndian32(start, dds + kDdsWidth), w) ||
             !toSize(LittleEndian32(start, dds + kDdsHeight), h))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayView>
 
 // The size of a game texture read from the first bytes of its ".texture"
 // file: a 32-byte header (header size, payload size, width, height, three
@@ -14,7 +14,7 @@ constexpr int kTextureStartBytes = 512;
 
 // How many leading bytes ReadTextureSize needs for this file, judged from
 // the bytes given (at least the 32-byte header).
-qint64 TextureSizeBytesNeeded(const QByteArray& start);
+qint64 TextureSizeBytesNeeded(QByteArrayView start);
 
 // The width and height the file holds; false when the bytes give none.
-bool ReadTextureSize(const QByteArray& start, int& width, int& height);
+bool ReadTextureSize(QByteArrayView start, int& width, int& height);

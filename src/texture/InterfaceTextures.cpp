@@ -1,0 +1,225 @@
+#include "InterfaceTextures.h"
+
+#include "app/FileRecord.h"
+#include "texture/CatalogueWriter.h"
+#include "texture/TextureHeader.h"
+#include "texture/TextureKeys.h"
+
+#include <QFile>
+#include <QHash>
+
+namespace {
+
+constexpr QByteArrayView kGuiPrefix("texture_library/GUI/");
+constexpr QByteArrayView kTextureSuffix(".texture");
+// A texture header longer than this is not believed.
+constexpr qint64 kMaxTextureStart = 64 * 1024;
+// Sizing progress is counted once per this many textures.
+constexpr qsizetype kProgressStep = 64;
+
+bool isAscii(QByteArrayView bytes) {
+    unsigned char any = 0;
+    for (const char c : bytes)
+        any |= static_cast<unsigned char>(c);
+    return any < 0x80;
+}
+
+char lowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
+}
+
+// Whether two runs of ASCII are equal without regard to letter case.
+bool equalsNoCase(QByteArrayView text, QByteArrayView ascii) {
+    if (text.size() != ascii.size())
+        return false;
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (lowerAscii(text[i]) != lowerAscii(ascii[i]))
+            return false;
+    return true;
+}
+
+// The same test for a name that is not plain ASCII, left to Qt's case folding.
+bool isInterfaceTexture(const QString& name) {
+    const QString prefix = QString::fromLatin1(kGuiPrefix);
+    const QString suffix = QString::fromLatin1(kTextureSuffix);
+    return name.size() >= prefix.size() + suffix.size() &&
+           QStringView(name).first(prefix.size()).compare(prefix, Qt::CaseInsensitive) == 0 &&
+           QStringView(name).last(suffix.size()).compare(suffix, Qt::CaseInsensitive) == 0;
+}
+
+// A plain ASCII name: the same test on its bytes.
+bool isInterfaceTexture(QByteArrayView name) {
+    return name.size() >= kGuiPrefix.size() + kTextureSuffix.size() &&
+           equalsNoCase(name.first(kGuiPrefix.size()), kGuiPrefix) &&
+           equalsNoCase(name.last(kTextureSuffix.size()), kTextureSuffix);
+}
+
+// A plain ASCII file name the catalogue may hold, as IsSafeCatalogueFile
+// and IsCatalogueText judge a name: not empty, not "." or "..", no drive,
+// no separator, double quote or control character.
+bool isCatalogueFile(QByteArrayView file) {
+    if (file.isEmpty() || file == "." || file == ".." || (file.size() >= 2 && file[1] == ':'))
+        return false;
+    for (const char c : file)
+        if (uchar(c) < 0x20 || c == 0x7F || c == '/' || c == '\\' || c == '"')
+            return false;
+    return true;
+}
+
+// Groups a run's usable textures by folder. An archive holds a few folders
+// for many textures, so each folder's string is made once and shared by its
+// textures, and the folders are listed in the order of their first texture.
+class FolderGroups {
+public:
+    explicit FolderGroups(SizedTextures& run) : run_(run) {}
+
+    // The folder's string; the texture at `line` is counted in it.
+    const QString& Add(QByteArrayView folder, qsizetype line) {
+        if (folder != last_) {
+            last_ = folder;
+            current_ = places_.value(ByteKey{folder}, -1);
+            if (current_ < 0)
+                places_.insert(ByteKey{folder}, current_ = append(QString::fromLatin1(folder)));
+        }
+        return added(line);
+    }
+    // The same for a folder whose name is not plain ASCII.
+    const QString& Add(const QString& folder, qsizetype line) {
+        last_ = {};
+        current_ = decodedPlaces_.value(folder, -1);
+        if (current_ < 0)
+            decodedPlaces_.insert(folder, current_ = append(folder));
+        return added(line);
+    }
+
+private:
+    qsizetype append(const QString& folder) {
+        run_.folders.append(folder);
+        run_.lines.append(QList<qsizetype>());
+        return run_.folders.size() - 1;
+    }
+    const QString& added(qsizetype line) {
+        run_.lines[current_].append(line);
+        return run_.folders[current_];
+    }
+
+    SizedTextures& run_;
+    QByteArrayView last_;
+    qsizetype current_ = -1;
+    QHash<ByteKey, qsizetype> places_;
+    QHash<QString, qsizetype> decodedPlaces_;
+};
+
+// Fills in the catalogue line `line` (of the found texture `place`), of the
+// given size, unless the catalogue cannot hold its file name. The line is
+// filled where it lies, so its strings are shared without being copied about.
+bool describe(ArchiveTextures& archive, qsizetype place, int width, int height,
+              FolderGroups& folders, qsizetype line) {
+    CatalogueEntry& entry = archive.sized[line];
+    const auto decoded = archive.decodedNames.constFind(place);
+    if (decoded == archive.decodedNames.cend()) {
+        const QByteArrayView name =
+            archive.index.Name(archive.index.entries[archive.found[place].entry]);
+        const qsizetype slash = name.lastIndexOf('/');
+        const QByteArrayView file =
+            name.sliced(slash + 1, name.size() - slash - 1 - kTextureSuffix.size());
+        if (!isCatalogueFile(file))
+            return false;
+        entry.file = QString::fromLatin1(file);
+        entry.folder = folders.Add(name.first(slash), line);
+    } else {
+        const QString& name = *decoded;
+        const qsizetype slash = name.lastIndexOf(u'/');
+        const QString file = name.mid(slash + 1).chopped(kTextureSuffix.size());
+        if (!IsSafeCatalogueFile(file) || !IsCatalogueText(file))
+            return false;
+        entry.file = file;
+        entry.folder = folders.Add(name.left(slash), line);
+    }
+    entry.name = entry.file;
+    entry.width = width;
+    entry.height = height;
+    return true;
+}
+
+} // namespace
+
+void FindInterfaceTextures(ArchiveTextures& archive) {
+    QFile file;
+    if (!OpenRegularFile(file, archive.path)) {
+        archive.index.error = QStringLiteral("could not be opened.");
+        return;
+    }
+    archive.index = ReadArchiveIndex(file);
+    const ArchiveIndex& index = archive.index;
+    archive.keys.reserve(index.names.size());
+    archive.found.reserve(index.entries.size());
+    for (qsizetype i = 0; i < index.entries.size(); ++i) {
+        const QByteArrayView name = index.Name(index.entries[i]);
+        InterfaceTexture texture;
+        texture.entry = i;
+        texture.keyAt = archive.keys.size();
+        if (isAscii(name)) {
+            if (!isInterfaceTexture(name))
+                continue;
+            const QByteArrayView stem = name.chopped(kTextureSuffix.size());
+            archive.keys.resize(texture.keyAt + stem.size());
+            char* key = archive.keys.data() + texture.keyAt;
+            for (qsizetype c = 0; c < stem.size(); ++c)
+                key[c] = lowerAscii(stem[c]);
+        } else {
+            const QString decoded = QString::fromUtf8(name);
+            if (!isInterfaceTexture(decoded))
+                continue;
+            archive.keys += TextureKey(decoded.chopped(kTextureSuffix.size()));
+            archive.decodedNames.insert(archive.found.size(), decoded);
+        }
+        texture.keyBytes = archive.keys.size() - texture.keyAt;
+        texture.keyHash = TextureKeyHash(archive.Key(texture));
+        archive.found.append(texture);
+    }
+}
+
+SizedTextures ReadInterfaceTextureSizes(ArchiveTextures& archive, qsizetype from, qsizetype to,
+                                        const std::atomic<bool>& cancel, std::atomic<long>& done) {
+    SizedTextures run;
+    QFile file;
+    if (!OpenRegularFile(file, archive.path)) {
+        done += to - from;
+        for (qsizetype line = from; line < to; ++line)
+            run.unusable.append(line);
+        return run;
+    }
+    QList<ArchiveEntry> entries;
+    entries.reserve(to - from);
+    for (qsizetype line = from; line < to; ++line) {
+        const ArchiveIndexEntry& entry =
+            archive.index.entries[archive.found[archive.toSize[line]].entry];
+        entries.append({QString(), entry.size, entry.offset, entry.compressedSize});
+    }
+    ArchiveStartReader reader(file, std::move(entries));
+    FolderGroups folders(run);
+    for (qsizetype n = 0; n < reader.Count(); ++n) {
+        if ((n + 1) % kProgressStep == 0) {
+            done += kProgressStep;
+            if (cancel.load(std::memory_order_relaxed))
+                return run;
+        }
+        QString error;
+        // The 32-byte header first: it holds the size of most textures.
+        QByteArrayView start = reader.StartBytes(n, int(TextureSizeBytesNeeded({})), error);
+        const qint64 needed = TextureSizeBytesNeeded(start);
+        if (error.isEmpty() && needed > start.size() && needed <= kMaxTextureStart &&
+            needed <= reader.Entry(n).size)
+            start = reader.StartBytes(n, int(needed), error);
+        int width = 0;
+        int height = 0;
+        const qsizetype line = from + n;
+        if (!ReadTextureSize(start, width, height) || width > kMaxCatalogueCount ||
+            height > kMaxCatalogueCount ||
+            !describe(archive, archive.toSize[line], width, height, folders, line))
+            run.unusable.append(line);
+    }
+    done += reader.Count() % kProgressStep;
+    return run;
+}

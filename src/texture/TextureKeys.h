@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+#include <vector>
+
+// The keys that tell a catalogue's textures apart: folder + "/" + file in
+// lower case, as UTF-8, so names in mixed letter case count as one texture.
+
+// The key of a text: lower case, as UTF-8. Plain ASCII, by far the most
+// common, is lowered here without Qt's tables.
+QByteArray TextureKey(const QString& text);
+
+// The hash TextureKeys files a key under; seeded afresh in every process, so
+// no archive can be made to fill one chain with its names.
+size_t TextureKeyHash(QByteArrayView key);
+
+// A run of bytes as a QHash key, filed under TextureKeyHash.
+struct ByteKey {
+    QByteArrayView bytes;
+    friend bool operator==(ByteKey a, ByteKey b) { return a.bytes == b.bytes; }
+    friend size_t qHash(ByteKey key, size_t seed = 0) { return TextureKeyHash(key.bytes) ^ seed; }
+};
+
+// A set of keys held as views of bytes kept elsewhere, filed under hashes
+// worked out beforehand (on other threads, for the catalogue build's tens of
+// thousands of textures).
+class TextureKeys {
+public:
+    void Reserve(qsizetype count);
+    // False when the key is in the set already. The bytes must outlive the set.
+    bool Insert(QByteArrayView key, size_t hash);
+    // The same for a key the set keeps a copy of.
+    bool InsertCopy(const QByteArray& key);
+    void Remove(QByteArrayView key, size_t hash);
+
+private:
+    struct Key {
+        size_t hash = 0;
+        QByteArrayView bytes;
+        bool present = false;
+    };
+    // The slot holding the key, or the empty slot where it would go.
+    size_t find(QByteArrayView key, size_t hash) const;
+    void grow();
+
+    QList<Key> keys_;              // every key ever inserted; Remove clears `present`
+    std::vector<qsizetype> slots_; // 1 + a place in keys_, 0 for an empty slot
+    QList<QByteArray> copies_;
+};
