@@ -6,6 +6,8 @@
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
 
+#include <QSet>
+
 namespace {
 
 const QString kPowers = "texture_library/GUI/Icons/Powers/";
@@ -132,9 +134,14 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     QByteArray longName = MakeTestTexture(300, 200, false);
     longName.insert(32, QByteArray(1000, 'n'));
     PutU32(longName, 0, quint32(longName.indexOf("DDS ")));
+    // File names the catalogue cannot hold, in plain ASCII and beyond.
     writeArchive("piggs/zz.pigg", {{kPowers + "LongName.texture", longName, true},
                                    {kPowers + "NoSize.texture", headless},
-                                   {kPowers + "Quote\".texture", MakeTestTexture(8, 8)}});
+                                   {kPowers + "Quote\".texture", MakeTestTexture(8, 8)},
+                                   {kPowers + "...texture", MakeTestTexture(8, 8)},
+                                   {kPowers + "C:drive.texture", MakeTestTexture(8, 8)},
+                                   {kPowers + "Tab\t.texture", MakeTestTexture(8, 8)},
+                                   {kPowers + "Épée\".texture", MakeTestTexture(8, 8), true}});
 
     HeadlessBusy host;
     const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
@@ -144,8 +151,64 @@ TEST_F(CatalogueBuilderTest, DamagedArchivesAndTexturesAreReportedAndPassedOver)
     EXPECT_EQ(lines[0], "7 textures in 5 categories");
     EXPECT_TRUE(lines[1].endsWith("broken.pigg\" is damaged: its directory of 4294967295 entries "
                                   "runs past the end of the file."));
-    EXPECT_EQ(lines[2], "2 textures were left out: their size or name could not be read.");
+    EXPECT_EQ(lines[2], "6 textures were left out: their size or name could not be read.");
     EXPECT_TRUE(catalogue().contains("\"LongName\",300,200,"));
+}
+
+// Thousands of textures, read in several runs on every core: folders
+// interleaved and first spelled in capitals, names in mixed letter case (some
+// alike in their first 16 characters, some beyond ASCII), and a second archive
+// repeating half of the first in other letter case.
+TEST_F(CatalogueBuilderTest, AGameOfThousandsOfTexturesIsListedWholeAndInOrder) {
+    const auto name = [](int i) -> QString {
+        const QString stem = i % 3 == 0 ? "Long_Texture_Name_%1" : i % 3 == 1 ? "tex_%1" : "TEX_%1";
+        return (i % 100 == 5 ? QStringLiteral("Épée_") : QString()) + stem.arg(i);
+    };
+    QList<TestArchiveEntry> first;
+    QList<TestArchiveEntry> second;
+    for (int i = 0; i < 1800; ++i) {
+        const QString path = QStringLiteral("texture_library/GUI/%1%2/%3.texture")
+                                 .arg(i < 7 ? "FOLDER" : "Folder")
+                                 .arg(i % 7)
+                                 .arg(name(i));
+        first.append({path, MakeTestTexture(8 + i % 9, 8), i % 2 == 0});
+        if (i < 900)
+            second.append({path.toLower(), MakeTestTexture(4, 4), true});
+    }
+    for (int i = 1800; i < 1900; ++i)
+        second.append({kPowers + name(i) + ".texture", MakeTestTexture(4, 4), false});
+    writeArchive("piggs/a.pigg", first);
+    writeArchive("piggs/b.pigg", second);
+    writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
+
+    HeadlessBusy host;
+    const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
+    ASSERT_TRUE(result.written) << result.message.toStdString();
+    qsizetype shipped = 0;
+    for (const CatalogueCategory& category : ReadCatalogue(ShippedCatalogueFile()).categories)
+        shipped += category.entries.size();
+    EXPECT_TRUE(result.message.startsWith(QStringLiteral("%1 textures in ").arg(1900 + shipped)))
+        << result.message.toStdString();
+
+    const CatalogueContents back = ReadCatalogue(UserCatalogueFile());
+    ASSERT_EQ(back.error, QString());
+    QSet<QString> seen;
+    for (const CatalogueCategory& category : back.categories) {
+        if (category.name.contains("older", Qt::CaseInsensitive)) {
+            EXPECT_TRUE(category.name.startsWith("GUI/FOLDER")) << category.name.toStdString();
+        }
+        for (qsizetype e = 0; e < category.entries.size(); ++e) {
+            const CatalogueEntry& entry = category.entries[e];
+            seen.insert((entry.folder + u'/' + entry.file).toLower());
+            if (e == 0)
+                continue;
+            const QString& before = category.entries[e - 1].name;
+            const int order = before.compare(entry.name, Qt::CaseInsensitive);
+            EXPECT_TRUE(order < 0 || (order == 0 && before < entry.name))
+                << before.toStdString() << " before " << entry.name.toStdString();
+        }
+    }
+    EXPECT_EQ(seen.size(), 1900 + shipped);
 }
 
 TEST(FitCatalogueCounts, SplitsLargeCategoriesAndCapsTheirNumber) {

@@ -69,20 +69,21 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     const QList<CatalogueCategory> categories{
         {"Skies, all", {{" Clouds ", 512, 256, "texture_library/GUI/Sky", "clouds"}}},
         {"Empty", {}},
-        {"Icons", {{"Aim", 32, 64, "texture_library/GUI/Icons", "Archery_Aim"}}}};
+        {"Icons", {{"Aim", 32, 64, "texture_library/GUI/Icons", "Archery_Aim"}}},
+        {"Épées", {{"Épée", 8, 8, "texture_library/GUI/Épées", "épée"}}}};
     const QString file = root() + "/new/folder/kelvaris.csv";
     ASSERT_EQ(WriteCatalogue(file, categories), QString());
     const CatalogueContents back = ReadCatalogue(file);
     EXPECT_EQ(back.error, QString());
     EXPECT_EQ(everything(back.categories), everything(categories));
-    EXPECT_TRUE(readFile(file).startsWith("3\r\n\"Skies, all\",1\r\n\" Clouds \",512,256,"));
+    EXPECT_TRUE(readFile(file).startsWith("4\r\n\"Skies, all\",1\r\n\" Clouds \",512,256,"));
 
     // Texts the form cannot hold: the file stays as it was.
     const QByteArray before = readFile(file);
     for (const CatalogueEntry& bad :
          {CatalogueEntry{"say \"hi\"", 1, 1, "a", "b"},
-          CatalogueEntry{"two\nlines", 1, 1, "a", "b"}, CatalogueEntry{"big", 32768, 1, "a", "b"},
-          CatalogueEntry{"none", 0, 1, "a", "b"}}) {
+          CatalogueEntry{"two\nlines", 1, 1, "a", "b"}, CatalogueEntry{"cr", 1, 1, "a\r", "b"},
+          CatalogueEntry{"big", 32768, 1, "a", "b"}, CatalogueEntry{"none", 0, 1, "a", "b"}}) {
         const QString error = WriteCatalogue(file, {{"C", {bad}}});
         EXPECT_TRUE(error.contains("was not written")) << error.toStdString();
     }

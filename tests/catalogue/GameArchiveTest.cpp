@@ -80,6 +80,18 @@ TEST(GameArchive, OneReaderGivesEveryEntryAsReadingItAloneDoes) {
                 << i << " " << want;
         EXPECT_EQ(error, QString());
     }
+
+    // Readers one after another on a thread each read their own archive.
+    for (const QByteArray& bytes :
+         {archive, MakeTestArchive({{"other.texture", MakeTestTexture(64, 64), false}})}) {
+        QByteArray copy = bytes;
+        QBuffer device(&copy);
+        device.open(QIODevice::ReadOnly);
+        const ArchiveDirectory entries = readDirectory(bytes);
+        ArchiveStartReader next(device, entries.entries);
+        QString error;
+        EXPECT_EQ(next.Start(0, 100, error), entryStart(bytes, entries.entries[0], 100, error));
+    }
 }
 
 TEST(GameArchive, SkipsExtraHeaderBytes) {
