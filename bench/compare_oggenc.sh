@@ -22,7 +22,7 @@ ffmpeg -nostdin -v error -y -f lavfi \
     -i "sine=frequency=440:sample_rate=44100:duration=$seconds" -ac 2 -c:a pcm_s16le "$work/in.wav"
 ffmpeg -nostdin -v error -y -i "$work/in.wav" -c:a libmp3lame -b:a 192k "$work/in.mp3"
 
-# Runs a command three times and prints its best wall time, its best CPU time
+# Runs a command five times and prints its best wall time, its best CPU time
 # (user + system, what counts on a busy machine) and its peak memory.
 measure() {
     label=$1
@@ -30,7 +30,7 @@ measure() {
     best_wall=""
     best_cpu=""
     peak=0
-    for run in 1 2 3; do
+    for run in 1 2 3 4 5; do
         /usr/bin/time -f "%e %U %S %M" -o "$work/time" "$@" >/dev/null 2>&1 || {
             echo "$label: failed"
             return

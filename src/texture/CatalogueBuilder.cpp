@@ -38,20 +38,16 @@ bool lessByName(const QString& a, const QString& b) {
     const QChar* y = b.constData();
     const qsizetype n = qMin(a.size(), b.size());
     for (qsizetype i = 0; i < n; ++i) {
-        char16_t p = x[i].unicode();
-        char16_t q = y[i].unicode();
+        const char16_t p = x[i].unicode();
+        const char16_t q = y[i].unicode();
         if (p == q)
             continue; // folds alike, whatever it is
         if (p >= 0x80 || q >= 0x80) {
             const int c = a.compare(b, Qt::CaseInsensitive);
             return c != 0 ? c < 0 : a < b;
         }
-        if (p >= u'A' && p <= u'Z')
-            p += u'a' - u'A';
-        if (q >= u'A' && q <= u'Z')
-            q += u'a' - u'A';
-        if (p != q)
-            return p < q;
+        if (FoldAscii(p) != FoldAscii(q))
+            return FoldAscii(p) < FoldAscii(q);
     }
     return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
@@ -71,21 +67,20 @@ NamePrefix namePrefix(const QString& name, qsizetype index) {
     prefix.index = index;
     const qsizetype length = qMin<qsizetype>(name.size(), 16);
     for (qsizetype i = 0; i < 16; ++i) {
-        char16_t c = i < length ? name[i].unicode() : 0;
+        const char16_t c = i < length ? FoldAscii(name[i].unicode()) : 0;
         if (i < length && (c == 0 || c >= 0x80)) {
             prefix.plain = false;
             return prefix;
         }
-        if (c >= u'A' && c <= u'Z')
-            c += u'a' - u'A';
         quint64& half = i < 8 ? prefix.high : prefix.low;
         half = half << 8 | c;
     }
     return prefix;
 }
 
-// Sorts the textures by name as lessByName orders them. Most names differ
-// within their first 16 characters, so those are compared as numbers first.
+// Sorts the textures by name as lessByName orders them, textures of the same
+// name by folder and file. Most names differ within their first 16
+// characters, so those are compared as numbers first.
 void sortByName(QList<CatalogueEntry>& entries) {
     QList<NamePrefix> order;
     order.reserve(entries.size());
@@ -94,7 +89,11 @@ void sortByName(QList<CatalogueEntry>& entries) {
     std::sort(order.begin(), order.end(), [&entries](const NamePrefix& a, const NamePrefix& b) {
         if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
             return a.high != b.high ? a.high < b.high : a.low < b.low;
-        return lessByName(entries[a.index].name, entries[b.index].name);
+        const CatalogueEntry& x = entries[a.index];
+        const CatalogueEntry& y = entries[b.index];
+        if (x.name != y.name)
+            return lessByName(x.name, y.name);
+        return x.folder != y.folder ? x.folder < y.folder : x.file < y.file;
     });
     QList<CatalogueEntry> sorted;
     sorted.reserve(entries.size());
@@ -218,31 +217,37 @@ Builder::Builder(const QStringList& archives, BusyHost& host) : host_(host) {
 }
 
 // Runs task(0) to task(tasks - 1) on every core, on Qt's shared pool, whose
-// threads (and the memory they have used) outlive one build, while this
-// thread keeps the progress moving and, when `cancellable`, passes a Cancel
-// on to them.
+// threads (and the memory they have used) outlive one build. When
+// `cancellable` (in the busy state), this thread meanwhile keeps the progress
+// moving and passes a Cancel on to them; otherwise it only waits.
 bool Builder::inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task,
                          bool cancellable) {
     // Each task holds the semaphore: its release may still be running when
     // the last one wakes this thread.
     const auto finished = std::make_shared<QSemaphore>();
     for (qsizetype i = 0; i < tasks; ++i)
-        QThreadPool::globalInstance()->start([&task, finished, this, i] {
-            if (!cancel_.load(std::memory_order_relaxed))
+        QThreadPool::globalInstance()->start([&task, finished, cancellable, this, i] {
+            if (!cancellable || !cancel_.load(std::memory_order_relaxed))
                 task(i);
             finished->release();
         });
+    if (!cancellable) {
+        // Outside the busy state: the window's events must not run.
+        finished->acquire(int(tasks));
+        return true;
+    }
     while (!finished->tryAcquire(int(tasks), kProgressMs)) {
         host_.ShowProgress(done_, QString());
-        if (cancellable && host_.CancelRequested())
+        if (host_.CancelRequested())
             cancel_ = true;
     }
     return !cancel_;
 }
 
 bool Builder::findTextures() {
-    if (!inParallel(archives_.size(), [this](qsizetype a) {
-            FindInterfaceTextures(archives_[a]);
+    ArchiveTextures* archives = archives_.data();
+    if (!inParallel(archives_.size(), [this, archives](qsizetype a) {
+            FindInterfaceTextures(archives[a]);
             ++done_;
         }))
         return false;
@@ -289,10 +294,16 @@ bool Builder::readSizes() {
     host_.SetProgressMaximum(total);
     host_.ShowProgress(0, QStringLiteral("Reading the sizes of %1 textures...").arg(total));
     done_ = 0;
+    // Each run fills its own lines of its archive's `sized`.
     SizingRun* runs = runs_.data();
-    if (!inParallel(runs_.size(), [this, runs](qsizetype r) {
-            runs[r].sized = ReadInterfaceTextureSizes(archives_[runs[r].archive], runs[r].from,
-                                                      runs[r].to, cancel_, done_);
+    QList<CatalogueEntry*> lines;
+    for (ArchiveTextures& archive : archives_)
+        lines.append(archive.sized.data());
+    const ArchiveTextures* archives = archives_.constData();
+    if (!inParallel(runs_.size(), [this, runs, archives, &lines](qsizetype r) {
+            const SizingRun& run = runs[r];
+            runs[r].sized = ReadInterfaceTextureSizes(archives[run.archive], run.from, run.to,
+                                                      lines.at(run.archive), cancel_, done_);
         }))
         return false;
     host_.ShowProgress(total, QString());
@@ -367,8 +378,10 @@ SortedCatalogue Builder::TakeSorted() {
         false);
     QList<qsizetype> order(list.size());
     std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(),
-              [&list](qsizetype a, qsizetype b) { return lessByName(list[a].name, list[b].name); });
+    // Categories of the same name stay in the order they were made.
+    std::stable_sort(order.begin(), order.end(), [&list](qsizetype a, qsizetype b) {
+        return lessByName(list[a].name, list[b].name);
+    });
     SortedCatalogue sorted;
     for (const qsizetype c : std::as_const(order)) {
         sorted.fits = sorted.fits && list[c].entries.size() <= kMaxCatalogueCount;

@@ -152,7 +152,11 @@ CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category)
 
 QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
                            const QList<CatalogueCategoryText>& texts) {
-    bool doubtful = categories.size() > kMaxCatalogueCount || texts.size() != categories.size();
+    if (texts.size() != categories.size())
+        return QStringLiteral("The texture catalogue \"%1\" was not written: its text is not "
+                              "whole.")
+            .arg(fileName);
+    bool doubtful = categories.size() > kMaxCatalogueCount;
     for (const CatalogueCategoryText& text : texts)
         doubtful |= text.doubtful;
     // What might be wrong is looked for again, in order, for its message.

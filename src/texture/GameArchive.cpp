@@ -2,6 +2,7 @@
 
 #include "app/LittleEndian.h"
 
+#include <QHash>
 #include <QtEndian>
 #include <zlib.h>
 
@@ -120,6 +121,7 @@ ArchiveIndex ReadArchiveIndex(QIODevice& device) {
     ArchiveIndex index;
     const auto failure = [&index](const QString& problem) {
         index.entries.clear();
+        index.names.clear();
         index.error = problem;
         return std::move(index);
     };

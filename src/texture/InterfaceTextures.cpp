@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <vector>
 
 namespace {
 
@@ -24,16 +25,12 @@ bool isAscii(QByteArrayView bytes) {
     return any < 0x80;
 }
 
-char lowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? char(c + ('a' - 'A')) : c;
-}
-
 // Whether two runs of ASCII are equal without regard to letter case.
 bool equalsNoCase(QByteArrayView text, QByteArrayView ascii) {
     if (text.size() != ascii.size())
         return false;
     for (qsizetype i = 0; i < text.size(); ++i)
-        if (lowerAscii(text[i]) != lowerAscii(ascii[i]))
+        if (FoldAscii(uchar(text[i])) != FoldAscii(uchar(ascii[i])))
             return false;
     return true;
 }
@@ -113,9 +110,8 @@ private:
 // Fills in the catalogue line `line` (of the found texture `place`), of the
 // given size, unless the catalogue cannot hold its file name. The line is
 // filled where it lies, so its strings are shared without being copied about.
-bool describe(ArchiveTextures& archive, qsizetype place, int width, int height,
-              FolderGroups& folders, qsizetype line) {
-    CatalogueEntry& entry = archive.sized[line];
+bool describe(const ArchiveTextures& archive, qsizetype place, int width, int height,
+              FolderGroups& folders, qsizetype line, CatalogueEntry& entry) {
     const auto decoded = archive.decodedNames.constFind(place);
     if (decoded == archive.decodedNames.cend()) {
         const QByteArrayView name =
@@ -154,8 +150,18 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
     const ArchiveIndex& index = archive.index;
     archive.keys.reserve(index.names.size());
     archive.found.reserve(index.entries.size());
+    // Entries naming a name of the table that an earlier entry named are the
+    // same texture again, which the first one stands for; passing them over
+    // keeps the keys within the table's size whatever the archive claims.
+    std::vector<bool> named(size_t(index.names.size()), false);
     for (qsizetype i = 0; i < index.entries.size(); ++i) {
-        const QByteArrayView name = index.Name(index.entries[i]);
+        const ArchiveIndexEntry& entry = index.entries[i];
+        if (entry.nameAt < named.size()) {
+            if (named[entry.nameAt])
+                continue;
+            named[entry.nameAt] = true;
+        }
+        const QByteArrayView name = index.Name(entry);
         InterfaceTexture texture;
         texture.entry = i;
         texture.keyAt = archive.keys.size();
@@ -166,7 +172,7 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
             archive.keys.resize(texture.keyAt + stem.size());
             char* key = archive.keys.data() + texture.keyAt;
             for (qsizetype c = 0; c < stem.size(); ++c)
-                key[c] = lowerAscii(stem[c]);
+                key[c] = char(FoldAscii(uchar(stem[c])));
         } else {
             const QString decoded = QString::fromUtf8(name);
             if (!isInterfaceTexture(decoded))
@@ -178,9 +184,11 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
         texture.keyHash = TextureKeyHash(archive.Key(texture));
         archive.found.append(texture);
     }
+    archive.found.squeeze();
 }
 
-SizedTextures ReadInterfaceTextureSizes(ArchiveTextures& archive, qsizetype from, qsizetype to,
+SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetype from,
+                                        qsizetype to, CatalogueEntry* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done) {
     SizedTextures run;
     QFile file;
@@ -217,7 +225,7 @@ SizedTextures ReadInterfaceTextureSizes(ArchiveTextures& archive, qsizetype from
         const qsizetype line = from + n;
         if (!ReadTextureSize(start, width, height) || width > kMaxCatalogueCount ||
             height > kMaxCatalogueCount ||
-            !describe(archive, archive.toSize[line], width, height, folders, line))
+            !describe(archive, archive.toSize[line], width, height, folders, line, lines[line]))
             run.unusable.append(line);
     }
     done += reader.Count() % kProgressStep;

@@ -32,8 +32,7 @@ struct ArchiveTextures {
     // ASCII, by their place in `found`.
     QHash<qsizetype, QString> decodedNames;
     // The textures to size (places in `found`), in order of their data, and
-    // their catalogue lines once sized (made as long as toSize beforehand,
-    // and filled in place on several threads).
+    // their catalogue lines once sized (made as long as toSize beforehand).
     QList<qsizetype> toSize;
     QList<CatalogueEntry> sized;
 
@@ -58,7 +57,9 @@ struct SizedTextures {
 };
 
 // Sizes the textures toSize[from] to toSize[to - 1] into the same lines of
-// `sized`, reading the archive front to back. Stops early once `cancel` is
-// set; adds to `done` as it goes.
-SizedTextures ReadInterfaceTextureSizes(ArchiveTextures& archive, qsizetype from, qsizetype to,
+// `lines` (the archive's `sized`, which several runs fill at once), reading
+// the archive front to back. Stops early once `cancel` is set; adds to `done`
+// as it goes.
+SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetype from,
+                                        qsizetype to, CatalogueEntry* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done);

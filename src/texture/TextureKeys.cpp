@@ -11,7 +11,7 @@ QByteArray TextureKey(const QString& text) {
         const char16_t c = chars[i].unicode();
         if (c >= 0x80)
             return text.toLower().toUtf8();
-        out[i] = c >= u'A' && c <= u'Z' ? char(c + (u'a' - u'A')) : char(c);
+        out[i] = char(FoldAscii(c));
     }
     return key;
 }

@@ -9,6 +9,11 @@
 // The keys that tell a catalogue's textures apart: folder + "/" + file in
 // lower case, as UTF-8, so names in mixed letter case count as one texture.
 
+// An ASCII letter in lower case; any other character as it is.
+constexpr char16_t FoldAscii(char16_t c) {
+    return c >= u'A' && c <= u'Z' ? char16_t(c + (u'a' - u'A')) : c;
+}
+
 // The key of a text: lower case, as UTF-8. Plain ASCII, by far the most
 // common, is lowered here without Qt's tables.
 QByteArray TextureKey(const QString& text);

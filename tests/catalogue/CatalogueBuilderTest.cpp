@@ -7,6 +7,8 @@
 #include "texture/CatalogueReader.h"
 
 #include <QSet>
+#include <sys/resource.h>
+#include <utility>
 
 namespace {
 
@@ -182,6 +184,8 @@ TEST_F(CatalogueBuilderTest, AGameOfThousandsOfTexturesIsListedWholeAndInOrder) 
     writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
 
     HeadlessBusy host;
+    // The window's events run only while it is busy (and locked).
+    host.onProgress = [&host](long) { EXPECT_TRUE(host.IsBusy()); };
     const CatalogueBuildResult result = BuildCatalogueFromGame(game(), host);
     ASSERT_TRUE(result.written) << result.message.toStdString();
     qsizetype shipped = 0;
@@ -209,6 +213,38 @@ TEST_F(CatalogueBuilderTest, AGameOfThousandsOfTexturesIsListedWholeAndInOrder) 
         }
     }
     EXPECT_EQ(seen.size(), 1900 + shipped);
+}
+
+// A directory of 50,000 entries all naming one 60,000-byte name: one
+// texture, read without holding the name once per entry.
+TEST_F(CatalogueBuilderTest, ManyEntriesNamingOneLongNameAreOneTexture) {
+    const QByteArray name = "texture_library/GUI/" + QByteArray(60000, 'n') + ".texture";
+    const QByteArray texture = MakeTestTexture(16, 16);
+    const quint32 count = 50000;
+    QByteArray bytes(16 + count * 48 + 16 + name.size() + 1 + 12, '\x5A');
+    const auto put = [&bytes](qsizetype at, std::initializer_list<quint32> values) {
+        for (const quint32 value : values)
+            PutU32(bytes, std::exchange(at, at + 4), value);
+    };
+    put(0, {0x123, 0x00020002, 0x00300010, count});
+    for (quint32 i = 0; i < count; ++i) {
+        put(16 + i * 48, {0x3456, 0, quint32(texture.size()), 0, quint32(bytes.size()), 0});
+        put(16 + i * 48 + 44, {0});
+    }
+    const qsizetype names = 16 + count * 48;
+    put(names, {0x6789, 1, quint32(4 + name.size() + 1), quint32(name.size() + 1)});
+    bytes.replace(names + 16, name.size() + 1, QByteArray(name + '\0'));
+    put(names + 16 + name.size() + 1, {0x9ABC, 0, 0});
+    writeFile("CoH/piggs/one.pigg", bytes + texture);
+    writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
+
+    HeadlessBusy host;
+    ASSERT_TRUE(BuildCatalogueFromGame(game(), host).written);
+    EXPECT_EQ(catalogue().count(QByteArray(60000, 'n')), 2); // its name and its file
+    // Far less than the 3 GB the name would take once per entry.
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    EXPECT_LT(usage.ru_maxrss, 1024 * 1024) << "peak KB";
 }
 
 TEST(FitCatalogueCounts, SplitsLargeCategoriesAndCapsTheirNumber) {
