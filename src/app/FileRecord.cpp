@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -239,9 +241,21 @@ bool WriteFileAtomically(const QString& FileName, const QByteArray& bytes) {
     return CommitFileRecord(record);
 }
 
+bool EndsInSixLettersOrDigits(QStringView name) {
+    if (name.size() < 6)
+        return false;
+    for (const QChar c : name.last(6))
+        if (c.unicode() >= 0x80 || !c.isLetterOrNumber())
+            return false;
+    return true;
+}
+
 bool IsKelvarisTemporaryName(const QString& name) {
-    static const QRegularExpression pattern(QStringLiteral("\\.kelvaris-[A-Za-z0-9]{6}$"));
-    return pattern.match(name).hasMatch();
+    // Asked of every name of a library of thousands of pictures at every
+    // start, so the marker is looked for by hand.
+    const QLatin1StringView marker(kTemporaryMarker);
+    return name.size() >= marker.size() + 6 && EndsInSixLettersOrDigits(name) &&
+           QStringView(name).chopped(6).endsWith(marker);
 }
 
 std::optional<QByteArray> ReadRegularFile(const QString& FileName, qint64 maxBytes) {
@@ -279,4 +293,47 @@ bool OpenRegularFile(QFile& file, const QString& FileName) {
         return false;
     }
     return true;
+}
+
+namespace {
+
+void findFilesBelow(const QByteArray& folder, bool (*wanted)(QByteArrayView name), int& budget,
+                    QStringList& found) {
+    DIR* directory = ::opendir(folder.constData());
+    if (!directory)
+        return;
+    QList<QByteArray> below;
+    while (budget > 0) {
+        const dirent* entry = ::readdir(directory);
+        if (!entry)
+            break;
+        --budget;
+        const char* name = entry->d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            continue;
+        unsigned char type = entry->d_type;
+        if (type == DT_UNKNOWN) {
+            struct stat status;
+            const QByteArray path = folder + '/' + name;
+            type = ::lstat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode) ? DT_DIR
+                                                                                      : DT_REG;
+        }
+        if (type == DT_DIR)
+            below.append(folder + '/' + name);
+        else if (wanted(QByteArrayView(name, qsizetype(std::strlen(name)))))
+            found.append(QFile::decodeName(folder + '/' + name));
+    }
+    ::closedir(directory);
+    for (const QByteArray& next : std::as_const(below))
+        findFilesBelow(next, wanted, budget, found);
+}
+
+} // namespace
+
+QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name),
+                           int& budget) {
+    QStringList found;
+    if (!folder.isEmpty())
+        findFilesBelow(QFile::encodeName(folder), wanted, budget, found);
+    return found;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QFile>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 #include <optional>
 
@@ -93,6 +95,17 @@ bool WriteFileAtomically(const QString& FileName, const QByteArray& bytes);
 // that leftovers of a killed run can be told from everything else.
 inline constexpr char kTemporaryMarker[] = ".kelvaris-";
 bool IsKelvarisTemporaryName(const QString& name);
+
+// Whether the name's last six characters are ASCII letters or digits, as the
+// random part of a temporary name is.
+bool EndsInSixLettersOrDigits(QStringView name);
+
+// The paths of the files (anything but a folder) below `folder`, at any
+// depth, whose names `wanted` accepts; folders reached through symbolic
+// links are not entered. The listing is the file system's own, read without
+// a string for every name, as a library of thousands of pictures needs; it
+// stops once `budget` names have been seen, counting them down.
+QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name), int& budget);
 
 // Makes every write after the next `count` successful ones fail as a full
 // disk would (ENOSPC); a negative count ends that. For tests of the failure

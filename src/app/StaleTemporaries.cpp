@@ -6,10 +6,8 @@
 #include "modRegistry.h"
 
 #include <QDateTime>
-#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 namespace {
 
@@ -17,16 +15,23 @@ namespace {
 // rather than holding up the start.
 constexpr int kMostEntriesWalked = 200000;
 
-const QStringList kNameFilters = {QStringLiteral("*.kelvaris-??????"),
-                                  QStringLiteral("registry.reg.??????"),
-                                  QStringLiteral("kelvaris.csv.??????")};
+// Whether the name may be a temporary of ours: cheap, on the name's bytes,
+// for every name of the folders; the full tests follow for those it passes.
+// Earlier versions replaced the settings and the catalogue through Qt's own
+// temporary names ("registry.reg.Ab12Cd").
+bool mayBeTemporary(QByteArrayView name) {
+    if (name.size() < 7)
+        return false;
+    const QByteArrayView stem = name.chopped(6);
+    return stem.endsWith(kTemporaryMarker) || stem == "registry.reg." || stem == "kelvaris.csv.";
+}
 
-// Earlier versions replaced the settings and the catalogue through Qt's
-// own temporary names ("registry.reg.Ab12Cd").
 bool isOlderTemporaryName(const QString& name) {
-    static const QRegularExpression pattern(
-        QStringLiteral("^(registry\\.reg|kelvaris\\.csv)\\.[A-Za-z0-9]{6}$"));
-    return pattern.match(name).hasMatch();
+    const qsizetype stem = name.size() - 7;
+    if (stem < 1 || name[stem] != u'.' || !EndsInSixLettersOrDigits(name))
+        return false;
+    const QStringView front = QStringView(name).first(stem);
+    return front == u"registry.reg" || front == u"kelvaris.csv";
 }
 
 } // namespace
@@ -34,17 +39,10 @@ bool isOlderTemporaryName(const QString& name) {
 int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds) {
     const QDateTime cutOff = QDateTime::currentDateTimeUtc().addSecs(-minimumAgeSeconds);
     int removed = 0;
-    int walked = 0;
+    int budget = kMostEntriesWalked;
     for (const QString& folder : folders) {
-        if (folder.isEmpty())
-            continue;
-        // Names are matched before anything is looked up about an entry, so
-        // a library of thousands of pictures costs no more than its listing.
-        QDirIterator it(folder, kNameFilters, QDir::Files | QDir::Hidden | QDir::System,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext() && walked++ < kMostEntriesWalked) {
-            it.next();
-            const QFileInfo file = it.fileInfo();
+        for (const QString& path : FindFilesBelow(folder, mayBeTemporary, budget)) {
+            const QFileInfo file(path);
             if (!IsKelvarisTemporaryName(file.fileName()) && !isOlderTemporaryName(file.fileName()))
                 continue;
             if (file.isSymLink() || !file.isFile() || file.lastModified().toUTC() > cutOff)
