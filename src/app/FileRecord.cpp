@@ -212,6 +212,11 @@ bool CommitFileRecord(FileRecord& record) {
     return true;
 }
 
+void StartFlushingFileRecord(FileRecord& record) {
+    if (record.Handle != -1)
+        ::sync_file_range(record.Handle, 0, 0, SYNC_FILE_RANGE_WRITE);
+}
+
 void FlushFileRecord(FileRecord& record) {
     // A disk that fills up may only say so when the data reach it.
     if (record.Handle != -1 && ::fdatasync(record.Handle) != 0)

@@ -147,15 +147,6 @@ template <typename... Parts> void releaseLater(Parts&&... parts) {
     QThreadPool::globalInstance()->start([... held = std::move(parts)] {});
 }
 
-// The catalogue's categories in name order, each with its text, as the
-// builder gives them: `fits` is false when the categories must first be
-// fitted into the catalogue's counts (and their texts made again).
-struct SortedCatalogue {
-    QList<CatalogueCategory> categories;
-    QList<CatalogueCategoryText> texts;
-    bool fits = true;
-};
-
 class Builder {
 public:
     Builder(const QStringList& archives, BusyHost& host);
@@ -170,7 +161,10 @@ public:
     int Textures() const { return found_.Textures() + placedCount_; }
     // Adds the textures of `catalogue` whose keys are not taken.
     void AddMissing(const QList<CatalogueCategory>& catalogue);
-    SortedCatalogue TakeSorted();
+    // Sorts the categories and writes them to `fileName`; "" when written,
+    // else the message. Says how many categories were written, and how many
+    // textures had to be dropped to fit the catalogue's counts.
+    QString SortAndWrite(const QString& fileName, qsizetype& written, int& dropped);
     QStringList Problems() const { return problems_; }
     int Unreadable() const { return unreadable_; }
 
@@ -181,6 +175,8 @@ private:
     bool readSizes();
     void placeTextures();
     qsizetype categoryOf(const QString& folder);
+    qsizetype placedCount(qsizetype c) const;
+    void gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const;
 
     BusyHost& host_;
     std::atomic<bool> cancel_ = false;
@@ -348,48 +344,76 @@ void Builder::placeTextures() {
     }
 }
 
+// Gathers the textures of category `c` into it and sorts them.
+void Builder::gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const {
+    QList<CatalogueEntry>& entries = category.entries;
+    entries.reserve(entries.size() + placedCount(c));
+    for (const Place& place : placed_.at(c))
+        for (const qsizetype line : *place.lines)
+            entries.append(std::move(lines[place.archive][line]));
+    sortByName(entries);
+}
+
+qsizetype Builder::placedCount(qsizetype c) const {
+    qsizetype count = 0;
+    for (const Place& place : placed_.at(c))
+        count += place.lines->size();
+    return count;
+}
+
 // Each category gathers its textures, sorts them and puts them into text on
-// its own core; the categories come in name order, their texts with them.
-// A category too large for the catalogue's counts is left without text.
-SortedCatalogue Builder::TakeSorted() {
+// a core of its own, in name order, while this thread writes the texts out
+// in that order as they come. Categories too large for the catalogue's counts
+// are first fitted into them, and written whole at the end.
+QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& dropped) {
     QList<CatalogueCategory> list = found_.Take();
     placed_.resize(list.size());
-    QList<CatalogueEntry*> lines;
-    for (ArchiveTextures& archive : archives_)
-        lines.append(archive.sized.data());
-    QList<CatalogueCategoryText> texts(list.size());
-    CatalogueCategory* categories = list.data();
-    CatalogueCategoryText* text = texts.data();
-    inParallel(
-        list.size(),
-        [this, categories, text, &lines](qsizetype c) {
-            QList<CatalogueEntry>& entries = categories[c].entries;
-            qsizetype count = entries.size();
-            for (const Place& place : placed_.at(c))
-                count += place.lines->size();
-            entries.reserve(count);
-            for (const Place& place : placed_.at(c))
-                for (const qsizetype line : *place.lines)
-                    entries.append(std::move(lines[place.archive][line]));
-            sortByName(entries);
-            if (entries.size() <= kMaxCatalogueCount)
-                text[c] = FormatCatalogueCategory(categories[c]);
-        },
-        false);
+    // Categories of the same name stay in the order they were made.
     QList<qsizetype> order(list.size());
     std::iota(order.begin(), order.end(), 0);
-    // Categories of the same name stay in the order they were made.
     std::stable_sort(order.begin(), order.end(), [&list](qsizetype a, qsizetype b) {
         return lessByName(list[a].name, list[b].name);
     });
-    SortedCatalogue sorted;
-    for (const qsizetype c : std::as_const(order)) {
-        sorted.fits = sorted.fits && list[c].entries.size() <= kMaxCatalogueCount;
-        sorted.categories.append(std::move(list[c]));
-        sorted.texts.append(std::move(texts[c]));
+    bool fits = list.size() <= kMaxCatalogueCount;
+    for (qsizetype c = 0; c < list.size(); ++c)
+        fits = fits && list[c].entries.size() + placedCount(c) <= kMaxCatalogueCount;
+
+    QList<CatalogueEntry*> lines;
+    for (ArchiveTextures& archive : archives_)
+        lines.append(archive.sized.data());
+    QList<CatalogueCategory> sorted(list.size());
+    const auto texts = std::make_shared<QList<CatalogueCategoryText>>(list.size());
+    const std::shared_ptr<QSemaphore[]> made(new QSemaphore[size_t(list.size())]);
+    for (qsizetype k = 0; k < list.size(); ++k) {
+        QThreadPool::globalInstance()->start([this, k, c = order[k], fits, texts, made,
+                                              out = sorted.data(), in = list.data(),
+                                              from = lines.constData()] {
+            out[k] = std::move(in[c]);
+            gather(out[k], c, from);
+            if (fits)
+                (*texts)[k] = FormatCatalogueCategory(out[k]);
+            made[k].release();
+        });
     }
-    sorted.fits = sorted.fits && sorted.categories.size() <= kMaxCatalogueCount;
-    return sorted;
+    // Outside the busy state: only waits, letting no window events run.
+    QString error;
+    if (fits) {
+        CatalogueFileWriter writer(fileName, sorted.size());
+        for (qsizetype k = 0; k < sorted.size(); ++k) {
+            made[k].acquire();
+            writer.Append((*texts)[k]);
+        }
+        error = writer.Finish(sorted);
+        dropped = 0;
+    } else {
+        for (qsizetype k = 0; k < sorted.size(); ++k)
+            made[k].acquire();
+        dropped = FitCatalogueCounts(sorted);
+        error = WriteCatalogue(fileName, sorted);
+    }
+    written = sorted.size();
+    releaseLater(std::move(sorted), std::move(*texts));
+    return error;
 }
 
 void Builder::AddMissing(const QList<CatalogueCategory>& catalogue) {
@@ -472,17 +496,14 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
     // Textures the shipped catalogue knows but the archives lack keep their place.
     builder.AddMissing(ReadCatalogue(ShippedCatalogueFile()).categories);
 
-    SortedCatalogue sorted = builder.TakeSorted();
-    QList<CatalogueCategory>& categories = sorted.categories;
-    const int dropped = sorted.fits ? 0 : FitCatalogueCounts(categories);
-    const QString error = sorted.fits
-                              ? WriteCatalogueText(UserCatalogueFile(), categories, sorted.texts)
-                              : WriteCatalogue(UserCatalogueFile(), categories);
+    qsizetype categories = 0;
+    int dropped = 0;
+    const QString error = builder.SortAndWrite(UserCatalogueFile(), categories, dropped);
     if (!error.isEmpty())
         return {false, error};
     notes.prepend(QStringLiteral("%1 textures in %2 categories")
                       .arg(builder.Textures() - dropped)
-                      .arg(categories.size()));
+                      .arg(categories));
     if (builder.Unreadable() > 0)
         notes.append(
             QStringLiteral("%1 textures were left out: their size or name could not be read.")
@@ -491,6 +512,5 @@ CatalogueBuildResult BuildCatalogueFromGame(const QString& gameFolder, BusyHost&
         notes.append(QStringLiteral("%1 textures past the catalogue's limit of 32767 categories "
                                     "were left out.")
                          .arg(dropped));
-    releaseLater(std::move(sorted));
     return {true, notes.join(u'\n')};
 }

@@ -150,34 +150,90 @@ CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category)
     return {text.Take(), doubtful};
 }
 
+namespace {
+
+// The disk is started on the file each time this much more has been written.
+constexpr qint64 kFlushStep = 512 * 1024;
+
+} // namespace
+
+struct CatalogueFileWriter::State {
+    QString fileName;
+    qsizetype count = 0;
+    FileRecord record;
+    qsizetype appended = 0;
+    bool doubtful = false;
+    int failure = 0; // errno of the first failed step
+    qint64 unflushed = 0;
+
+    void write(const QByteArray& bytes) {
+        if (failure != 0)
+            return;
+        if (WriteFileBytes(record, bytes.constData(), bytes.size()) != bytes.size()) {
+            failure = errno != 0 ? errno : EIO;
+            return;
+        }
+        unflushed += bytes.size();
+        if (unflushed >= kFlushStep) {
+            StartFlushingFileRecord(record);
+            unflushed = 0;
+        }
+    }
+};
+
+CatalogueFileWriter::CatalogueFileWriter(const QString& fileName, qsizetype count)
+    : state_(std::make_unique<State>()) {
+    State& s = *state_;
+    s.fileName = fileName;
+    s.count = count;
+    s.doubtful = count > kMaxCatalogueCount;
+    QDir().mkpath(ReturnPath(fileName));
+    s.record = OpenReplacingFileRecord(fileName);
+    if (s.record.Handle == -1)
+        s.failure = errno != 0 ? errno : EACCES;
+    s.write(QByteArray::number(count) + "\r\n");
+}
+
+CatalogueFileWriter::~CatalogueFileWriter() {
+    if (state_->record.Handle != -1)
+        DiscardFileRecord(state_->record);
+}
+
+void CatalogueFileWriter::Append(const CatalogueCategoryText& text) {
+    ++state_->appended;
+    state_->doubtful |= text.doubtful;
+    state_->write(text.text);
+}
+
+QString CatalogueFileWriter::Finish(const QList<CatalogueCategory>& categories) {
+    State& s = *state_;
+    QString message;
+    if (s.appended != s.count || categories.size() != s.count) {
+        message = QStringLiteral("The texture catalogue \"%1\" was not written: its text is not "
+                                 "whole.")
+                      .arg(s.fileName);
+    } else if (const QString problem = s.doubtful ? problemWith(categories) : QString();
+               !problem.isEmpty()) {
+        // What might be wrong is looked for again, in order, for its message.
+        message = QStringLiteral("The texture catalogue \"%1\" was not written: %2")
+                      .arg(s.fileName, problem);
+    } else if (s.failure != 0 || !CommitFileRecord(s.record)) {
+        message =
+            QStringLiteral("The texture catalogue \"%1\" could not be written: %2")
+                .arg(s.fileName,
+                     QString::fromLocal8Bit(std::strerror(s.failure != 0 ? s.failure : errno)));
+    }
+    if (s.record.Handle != -1)
+        DiscardFileRecord(s.record);
+    return message;
+}
+
 QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
                            const QList<CatalogueCategoryText>& texts) {
-    if (texts.size() != categories.size())
-        return QStringLiteral("The texture catalogue \"%1\" was not written: its text is not "
-                              "whole.")
-            .arg(fileName);
-    bool doubtful = categories.size() > kMaxCatalogueCount;
+    CatalogueFileWriter writer(fileName, categories.size());
     for (const CatalogueCategoryText& text : texts)
-        doubtful |= text.doubtful;
-    // What might be wrong is looked for again, in order, for its message.
-    const QString problem = doubtful ? problemWith(categories) : QString();
-    if (!problem.isEmpty())
-        return QStringLiteral("The texture catalogue \"%1\" was not written: %2")
-            .arg(fileName, problem);
-    QDir().mkpath(ReturnPath(fileName));
-    FileRecord record = OpenReplacingFileRecord(fileName);
-    bool written = record.Handle != -1;
-    const QByteArray count = QByteArray::number(categories.size()) + "\r\n";
-    written = written && WriteFileBytes(record, count.constData(), count.size()) == count.size();
-    for (const CatalogueCategoryText& text : texts)
-        written = written && WriteFileBytes(record, text.text.constData(), text.text.size()) ==
-                                 text.text.size();
-    if (!written)
-        DiscardFileRecord(record);
-    if (!written || !CommitFileRecord(record))
-        return QStringLiteral("The texture catalogue \"%1\" could not be written: %2")
-            .arg(fileName, QString::fromLocal8Bit(std::strerror(errno)));
-    return {};
+        writer.Append(text);
+    return writer.Finish(categories);
 }
 
 QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories) {

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <memory>
 
 // Writing "kelvaris.csv" in the form the catalogue reader reads: a line with
 // the number of categories; per category a line with its quoted name and
@@ -39,3 +40,26 @@ CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category)
 // WriteCatalogue writes the categories.
 QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
                            const QList<CatalogueCategoryText>& texts);
+
+// The same write, a category at a time as the texts are made (on other
+// threads): the file is written, and the disk started on it, while the rest
+// are still being made. The old catalogue stays until Finish has found every
+// text whole and written; an unfinished writer leaves it as it was.
+class CatalogueFileWriter {
+public:
+    // Starts the file of `count` categories.
+    CatalogueFileWriter(const QString& fileName, qsizetype count);
+    ~CatalogueFileWriter();
+    CatalogueFileWriter(const CatalogueFileWriter&) = delete;
+    CatalogueFileWriter& operator=(const CatalogueFileWriter&) = delete;
+
+    // The next category's text.
+    void Append(const CatalogueCategoryText& text);
+    // Puts the file in place; "" when it is, else the message WriteCatalogue
+    // gives. `categories` are the ones the texts were made of.
+    QString Finish(const QList<CatalogueCategory>& categories);
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};

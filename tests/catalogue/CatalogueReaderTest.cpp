@@ -1,5 +1,6 @@
 #include "texture/CatalogueReader.h"
 
+#include "app/FileRecord.h"
 #include "common/TestEnvironment.h"
 #include "texture/Catalogue.h"
 #include "texture/CatalogueLocation.h"
@@ -89,6 +90,10 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     }
     QList<CatalogueCategory> tooMany(kMaxCatalogueCount + 1, CatalogueCategory{"c", {}});
     EXPECT_FALSE(WriteCatalogue(file, tooMany).isEmpty());
+    // A disk that fills up halfway through.
+    FailWritesAfter(2);
+    EXPECT_TRUE(WriteCatalogue(file, categories).contains("could not be written"));
+    FailWritesAfter(-1);
     EXPECT_EQ(readFile(file), before);
 }
 
