@@ -212,9 +212,9 @@ bool CommitFileRecord(FileRecord& record) {
     return true;
 }
 
-void StartFlushingFileRecord(FileRecord& record) {
+void StartFlushingFileRecord(FileRecord& record, qint64 from, qint64 count) {
     if (record.Handle != -1)
-        ::sync_file_range(record.Handle, 0, 0, SYNC_FILE_RANGE_WRITE);
+        ::sync_file_range(record.Handle, from, count, SYNC_FILE_RANGE_WRITE);
 }
 
 void FlushFileRecord(FileRecord& record) {
@@ -302,11 +302,20 @@ bool OpenRegularFile(QFile& file, const QString& FileName) {
 
 namespace {
 
-void findFilesBelow(const QByteArray& folder, bool (*wanted)(QByteArrayView name), int& budget,
-                    QStringList& found) {
-    DIR* directory = ::opendir(folder.constData());
-    if (!directory)
+// `top` is the folder asked for, which may be a link; a folder below it is
+// entered only as a folder, never through a link it was swapped for.
+void findFilesBelow(const QByteArray& folder, bool top, bool (*wanted)(QByteArrayView name),
+                    int& budget, QStringList& found) {
+    if (budget <= 0)
         return;
+    const int handle =
+        ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (top ? 0 : O_NOFOLLOW));
+    DIR* directory = handle == -1 ? nullptr : ::fdopendir(handle);
+    if (!directory) {
+        if (handle != -1)
+            ::close(handle);
+        return;
+    }
     QList<QByteArray> below;
     while (budget > 0) {
         const dirent* entry = ::readdir(directory);
@@ -319,9 +328,10 @@ void findFilesBelow(const QByteArray& folder, bool (*wanted)(QByteArrayView name
         unsigned char type = entry->d_type;
         if (type == DT_UNKNOWN) {
             struct stat status;
-            const QByteArray path = folder + '/' + name;
-            type = ::lstat(path.constData(), &status) == 0 && S_ISDIR(status.st_mode) ? DT_DIR
-                                                                                      : DT_REG;
+            type = ::fstatat(handle, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                           S_ISDIR(status.st_mode)
+                       ? DT_DIR
+                       : DT_REG;
         }
         if (type == DT_DIR)
             below.append(folder + '/' + name);
@@ -330,7 +340,7 @@ void findFilesBelow(const QByteArray& folder, bool (*wanted)(QByteArrayView name
     }
     ::closedir(directory);
     for (const QByteArray& next : std::as_const(below))
-        findFilesBelow(next, wanted, budget, found);
+        findFilesBelow(next, false, wanted, budget, found);
 }
 
 } // namespace
@@ -339,6 +349,6 @@ QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView 
                            int& budget) {
     QStringList found;
     if (!folder.isEmpty())
-        findFilesBelow(QFile::encodeName(folder), wanted, budget, found);
+        findFilesBelow(QFile::encodeName(folder), true, wanted, budget, found);
     return found;
 }

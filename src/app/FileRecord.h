@@ -66,9 +66,9 @@ FileRecord OpenReplacingFileRecord(const QString& FileName);
 // removed, the old one kept) otherwise.
 bool CommitFileRecord(FileRecord& record);
 
-// Starts the disk on what has been written so far, without waiting for it,
-// so that the flush at the end has less left to wait for.
-void StartFlushingFileRecord(FileRecord& record);
+// Starts the disk on `count` bytes written from `from` on, without waiting
+// for it, so that the flush at the end has less left to wait for.
+void StartFlushingFileRecord(FileRecord& record, qint64 from, qint64 count);
 
 // The slow part of CommitFileRecord, flushing the file to the disk (a
 // failure marks the record Failed). It may run on another thread while

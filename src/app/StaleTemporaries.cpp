@@ -11,8 +11,8 @@
 
 namespace {
 
-// Enough for any game's loose textures; a tree past this is left alone
-// rather than holding up the start.
+// Enough for any game's loose textures; the rest of a folder past this many
+// entries is left alone rather than holding up the start.
 constexpr int kMostEntriesWalked = 200000;
 
 // Whether the name may be a temporary of ours: cheap, on the name's bytes,
@@ -39,8 +39,8 @@ bool isOlderTemporaryName(const QString& name) {
 int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds) {
     const QDateTime cutOff = QDateTime::currentDateTimeUtc().addSecs(-minimumAgeSeconds);
     int removed = 0;
-    int budget = kMostEntriesWalked;
     for (const QString& folder : folders) {
+        int budget = kMostEntriesWalked;
         for (const QString& path : FindFilesBelow(folder, mayBeTemporary, budget)) {
             const QFileInfo file(path);
             if (!IsKelvarisTemporaryName(file.fileName()) && !isOlderTemporaryName(file.fileName()))

@@ -395,19 +395,31 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
             made[k].release();
         });
     }
-    // Outside the busy state: only waits, letting no window events run.
+    // Outside the busy state: only waits, letting no window events run. The
+    // tasks use the lists above, so every way out waits for all of them.
+    struct WaitForAll {
+        const std::shared_ptr<QSemaphore[]>& made;
+        qsizetype count;
+        qsizetype next = 0;
+        void Next() { made[next++].acquire(); }
+        ~WaitForAll() {
+            while (next < count)
+                Next();
+        }
+    } wait{made, sorted.size()};
     QString error;
     if (fits) {
         CatalogueFileWriter writer(fileName, sorted.size());
-        for (qsizetype k = 0; k < sorted.size(); ++k) {
-            made[k].acquire();
+        while (wait.next < wait.count) {
+            const qsizetype k = wait.next;
+            wait.Next(); // category k is sorted and in text
             writer.Append((*texts)[k]);
         }
         error = writer.Finish(sorted);
         dropped = 0;
     } else {
-        for (qsizetype k = 0; k < sorted.size(); ++k)
-            made[k].acquire();
+        while (wait.next < wait.count)
+            wait.Next();
         dropped = FitCatalogueCounts(sorted);
         error = WriteCatalogue(fileName, sorted);
     }

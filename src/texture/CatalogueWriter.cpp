@@ -164,7 +164,8 @@ struct CatalogueFileWriter::State {
     qsizetype appended = 0;
     bool doubtful = false;
     int failure = 0; // errno of the first failed step
-    qint64 unflushed = 0;
+    qint64 written = 0;
+    qint64 flushed = 0; // the disk has been started on the bytes before this
 
     void write(const QByteArray& bytes) {
         if (failure != 0)
@@ -173,10 +174,10 @@ struct CatalogueFileWriter::State {
             failure = errno != 0 ? errno : EIO;
             return;
         }
-        unflushed += bytes.size();
-        if (unflushed >= kFlushStep) {
-            StartFlushingFileRecord(record);
-            unflushed = 0;
+        written += bytes.size();
+        if (written - flushed >= kFlushStep) {
+            StartFlushingFileRecord(record, flushed, written - flushed);
+            flushed = written;
         }
     }
 };
@@ -188,9 +189,10 @@ CatalogueFileWriter::CatalogueFileWriter(const QString& fileName, qsizetype coun
     s.count = count;
     s.doubtful = count > kMaxCatalogueCount;
     QDir().mkpath(ReturnPath(fileName));
+    errno = 0;
     s.record = OpenReplacingFileRecord(fileName);
     if (s.record.Handle == -1)
-        s.failure = errno != 0 ? errno : EACCES;
+        s.failure = errno != 0 ? errno : EACCES; // a read-only catalogue is refused as such
     s.write(QByteArray::number(count) + "\r\n");
 }
 
