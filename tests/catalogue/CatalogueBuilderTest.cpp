@@ -5,7 +5,9 @@
 #include "common/TestEnvironment.h"
 #include "texture/CatalogueLocation.h"
 #include "texture/CatalogueReader.h"
+#include "texture/CatalogueWriter.h"
 
+#include <QMap>
 #include <QSet>
 #include <sys/resource.h>
 #include <utility>
@@ -213,6 +215,23 @@ TEST_F(CatalogueBuilderTest, AGameOfThousandsOfTexturesIsListedWholeAndInOrder) 
         }
     }
     EXPECT_EQ(seen.size(), 1900 + shipped);
+}
+
+// A folder of more textures than a category can count is split in two.
+TEST_F(CatalogueBuilderTest, AFolderPastTheCountLimitIsSplit) {
+    QList<TestArchiveEntry> entries;
+    const QByteArray texture = MakeTestTexture(8, 8);
+    for (int i = 0; i < kMaxCatalogueCount + 6; ++i)
+        entries.append({QStringLiteral("texture_library/GUI/Big/t%1.texture").arg(i), texture});
+    writeArchive("piggs/big.pigg", entries);
+    writeFile("config/kelvaris/kelvaris.csv", "0\r\n");
+    HeadlessBusy host;
+    ASSERT_TRUE(BuildCatalogueFromGame(game(), host).written);
+    QMap<QString, qsizetype> sizes;
+    for (const CatalogueCategory& category : ReadCatalogue(UserCatalogueFile()).categories)
+        sizes[category.name] = category.entries.size();
+    EXPECT_EQ(sizes.value("GUI/Big"), kMaxCatalogueCount);
+    EXPECT_EQ(sizes.value("GUI/Big (2)"), 6);
 }
 
 // A directory of 50,000 entries all naming one 60,000-byte name: one
