@@ -114,10 +114,9 @@ QString categoryName(const QString& folder) {
 // letter case land in one category.
 class CategorySet {
 public:
-    void Add(const CatalogueEntry& entry) { AddEntry(CategoryOf(entry.folder), entry); }
-    // Adds the entry to the category CategoryOf gave for its folder.
-    void AddEntry(qsizetype category, CatalogueEntry entry) {
-        categories_[category].entries.append(std::move(entry));
+    void Add(const CatalogueEntry& entry) {
+        const qsizetype category = CategoryOf(entry.folder);
+        categories_[category].entries.append(entry);
         ++textures_;
     }
     // The place of the folder's category, made when it is new.
@@ -169,8 +168,7 @@ public:
     int Unreadable() const { return unreadable_; }
 
 private:
-    bool inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task,
-                    bool cancellable = true);
+    bool inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task);
     bool findTextures();
     bool readSizes();
     void placeTextures();
@@ -213,25 +211,18 @@ Builder::Builder(const QStringList& archives, BusyHost& host) : host_(host) {
 }
 
 // Runs task(0) to task(tasks - 1) on every core, on Qt's shared pool, whose
-// threads (and the memory they have used) outlive one build. When
-// `cancellable` (in the busy state), this thread meanwhile keeps the progress
-// moving and passes a Cancel on to them; otherwise it only waits.
-bool Builder::inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task,
-                         bool cancellable) {
+// threads (and the memory they have used) outlive one build, while this
+// thread keeps the progress moving and passes a Cancel on to them.
+bool Builder::inParallel(qsizetype tasks, const std::function<void(qsizetype)>& task) {
     // Each task holds the semaphore: its release may still be running when
     // the last one wakes this thread.
     const auto finished = std::make_shared<QSemaphore>();
     for (qsizetype i = 0; i < tasks; ++i)
-        QThreadPool::globalInstance()->start([&task, finished, cancellable, this, i] {
-            if (!cancellable || !cancel_.load(std::memory_order_relaxed))
+        QThreadPool::globalInstance()->start([&task, finished, this, i] {
+            if (!cancel_.load(std::memory_order_relaxed))
                 task(i);
             finished->release();
         });
-    if (!cancellable) {
-        // Outside the busy state: the window's events must not run.
-        finished->acquire(int(tasks));
-        return true;
-    }
     while (!finished->tryAcquire(int(tasks), kProgressMs)) {
         host_.ShowProgress(done_, QString());
         if (host_.CancelRequested())

@@ -230,18 +230,9 @@ QString CatalogueFileWriter::Finish(const QList<CatalogueCategory>& categories) 
     return message;
 }
 
-QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
-                           const QList<CatalogueCategoryText>& texts) {
-    CatalogueFileWriter writer(fileName, categories.size());
-    for (const CatalogueCategoryText& text : texts)
-        writer.Append(text);
-    return writer.Finish(categories);
-}
-
 QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories) {
-    QList<CatalogueCategoryText> texts;
-    texts.reserve(categories.size());
+    CatalogueFileWriter writer(fileName, categories.size());
     for (const CatalogueCategory& category : categories)
-        texts.append(FormatCatalogueCategory(category));
-    return WriteCatalogueText(fileName, categories, texts);
+        writer.Append(FormatCatalogueCategory(category));
+    return writer.Finish(categories);
 }

@@ -26,22 +26,17 @@ bool IsCatalogueText(const QString& text);
 // 1..32767.
 QString WriteCatalogue(const QString& fileName, const QList<CatalogueCategory>& categories);
 
-// WriteCatalogue in two steps, so the categories can be put into text on
-// several threads: a category's lines, and whether it may hold something the
-// catalogue cannot (which WriteCatalogueText then looks for again in order,
-// for its message).
+// WriteCatalogue in steps, so the categories can be put into text on several
+// threads: a category's lines, and whether it may hold something the
+// catalogue cannot (which CatalogueFileWriter::Finish then looks for again in
+// order, for its message).
 struct CatalogueCategoryText {
     QByteArray text;
     bool doubtful = false;
 };
 CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category);
 
-// Writes the categories' texts, one for each category in the same order, as
-// WriteCatalogue writes the categories.
-QString WriteCatalogueText(const QString& fileName, const QList<CatalogueCategory>& categories,
-                           const QList<CatalogueCategoryText>& texts);
-
-// The same write, a category at a time as the texts are made (on other
+// The write itself, a category at a time as the texts are made (on other
 // threads): the file is written, and the disk started on it, while the rest
 // are still being made. The old catalogue stays until Finish has found every
 // text whole and written; an unfinished writer leaves it as it was.
