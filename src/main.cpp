@@ -18,7 +18,7 @@ int main(int argc, char* argv[]) {
         const QString gameFolder = StartGameFolder();
         RunRandomizer(gameFolder, arguments, early);
         // Only once the client is on its way: the player does not wait for this.
-        RemoveStaleTemporariesAtStart(gameFolder);
+        RemoveStaleTemporariesAtGameStart(gameFolder);
         // With nothing to refresh and nothing to tell, the game start is over.
         if (!early.HasWaitingMessages() && !DailyRefreshDue())
             return 0;

@@ -305,7 +305,7 @@ namespace {
 // `top` is the folder asked for, which may be a link; a folder below it is
 // entered only as a folder, never through a link it was swapped for.
 void findFilesBelow(const QByteArray& folder, bool top, bool (*wanted)(QByteArrayView name),
-                    int& budget, QStringList& found) {
+                    int& budget, bool foldersBelow, QStringList& found) {
     if (budget <= 0)
         return;
     const int handle =
@@ -333,22 +333,23 @@ void findFilesBelow(const QByteArray& folder, bool top, bool (*wanted)(QByteArra
                        ? DT_DIR
                        : DT_REG;
         }
-        if (type == DT_DIR)
-            below.append(folder + '/' + name);
-        else if (wanted(QByteArrayView(name, qsizetype(std::strlen(name)))))
+        if (type == DT_DIR) {
+            if (foldersBelow)
+                below.append(folder + '/' + name);
+        } else if (wanted(QByteArrayView(name, qsizetype(std::strlen(name)))))
             found.append(QFile::decodeName(folder + '/' + name));
     }
     ::closedir(directory);
     for (const QByteArray& next : std::as_const(below))
-        findFilesBelow(next, false, wanted, budget, found);
+        findFilesBelow(next, false, wanted, budget, foldersBelow, found);
 }
 
 } // namespace
 
-QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name),
-                           int& budget) {
+QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name), int& budget,
+                           bool foldersBelow) {
     QStringList found;
     if (!folder.isEmpty())
-        findFilesBelow(QFile::encodeName(folder), true, wanted, budget, found);
+        findFilesBelow(QFile::encodeName(folder), true, wanted, budget, foldersBelow, found);
     return found;
 }

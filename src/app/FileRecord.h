@@ -105,11 +105,13 @@ bool IsKelvarisTemporaryName(const QString& name);
 bool EndsInSixLettersOrDigits(QStringView name);
 
 // The paths of the files (anything but a folder) below `folder`, at any
-// depth, whose names `wanted` accepts; folders reached through symbolic
-// links are not entered. The listing is the file system's own, read without
-// a string for every name, as a library of thousands of pictures needs; it
-// stops once `budget` names have been seen, counting them down.
-QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name), int& budget);
+// depth (in `folder` alone when `foldersBelow` is false), whose names
+// `wanted` accepts; folders reached through symbolic links are not entered.
+// The listing is the file system's own, read without a string for every
+// name, as a library of thousands of pictures needs; it stops once `budget`
+// names have been seen, counting them down.
+QStringList FindFilesBelow(const QString& folder, bool (*wanted)(QByteArrayView name), int& budget,
+                           bool foldersBelow = true);
 
 // Makes every write after the next `count` successful ones fail as a full
 // disk would (ENOSPC); a negative count ends that. For tests of the failure

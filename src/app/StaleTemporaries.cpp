@@ -4,6 +4,7 @@
 #include "GameFolders.h"
 #include "PathUtils.h"
 #include "modRegistry.h"
+#include "texture/ScreenTargets.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -36,12 +37,12 @@ bool isOlderTemporaryName(const QString& name) {
 
 } // namespace
 
-int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds) {
+int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds, bool foldersBelow) {
     const QDateTime cutOff = QDateTime::currentDateTimeUtc().addSecs(-minimumAgeSeconds);
     int removed = 0;
     for (const QString& folder : folders) {
         int budget = kMostEntriesWalked;
-        for (const QString& path : FindFilesBelow(folder, mayBeTemporary, budget)) {
+        for (const QString& path : FindFilesBelow(folder, mayBeTemporary, budget, foldersBelow)) {
             const QFileInfo file(path);
             if (!IsKelvarisTemporaryName(file.fileName()) && !isOlderTemporaryName(file.fileName()))
                 continue;
@@ -58,4 +59,14 @@ int RemoveStaleTemporariesAtStart(const QString& gameFolder) {
     QStringList folders = GameWriteFolders(gameFolder);
     folders << QFileInfo(modRegistry::StoreFilePath()).absolutePath() << WorkFolder();
     return RemoveStaleTemporaries(folders);
+}
+
+int RemoveStaleTemporariesAtGameStart(const QString& gameFolder) {
+    QStringList folders = {QFileInfo(modRegistry::StoreFilePath()).absolutePath()};
+    if (!gameFolder.isEmpty()) {
+        folders << ResolveExistingCase(gameFolder + QStringLiteral("/Kelvaris"));
+        for (const ScreenTarget& screen : {kLoginScreen, kCharacterScreen})
+            folders << ResolveExistingCase(gameFolder + QString::fromLatin1(screen.folder));
+    }
+    return RemoveStaleTemporaries(folders, kStaleTemporarySeconds, false);
 }

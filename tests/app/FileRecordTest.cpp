@@ -101,7 +101,18 @@ TEST_F(FileRecordTest, StaleTemporariesOfKilledRunsGoAndNothingElse) {
     const QString elsewhere = make(root() + QStringLiteral("/elsewhere/c.kelvaris-AbC123"), true);
     QFile::link(root() + QStringLiteral("/elsewhere"), textures + QStringLiteral("linked"));
 
-    EXPECT_EQ(RemoveStaleTemporariesAtStart(game), gone.size());
+    // A game start clears only what a game start writes: the screens, the
+    // settings and the manifest; the window's start clears the rest.
+    const QStringList gameStart = {
+        make(textures + QStringLiteral("CREATION/HybridUI/LoginScreen/"
+                                       "COH_LogInScreen_Background.texture.kelvaris-Zz9Yy8"),
+             true),
+        make(game + QStringLiteral("/Kelvaris/manifest.txt.kelvaris-Zz9Yy8"), true)};
+    EXPECT_EQ(RemoveStaleTemporariesAtGameStart(game), gameStart.size() + 2);
+    for (const QString& path : gameStart)
+        EXPECT_FALSE(QFile::exists(path)) << path.toStdString();
+    EXPECT_TRUE(QFile::exists(gone[2])); // a library entry's
+    EXPECT_EQ(RemoveStaleTemporariesAtStart(game), gone.size() - 2);
     for (const QString& path : gone)
         EXPECT_FALSE(QFile::exists(path)) << path.toStdString();
     for (const QString& path : kept + QStringList{elsewhere})
