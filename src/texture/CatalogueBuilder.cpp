@@ -52,55 +52,92 @@ bool lessByName(const QString& a, const QString& b) {
     return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
-// The first 16 characters of a name folded to lower case, as two numbers
-// that compare as the characters do; `plain` is false when one of them is
-// not plain ASCII (or a NUL, which the padding of a shorter name uses).
-struct NamePrefix {
-    quint64 high = 0;
-    quint64 low = 0;
-    bool plain = true;
-    qsizetype index = 0; // of the entry in its list
-};
-
-NamePrefix namePrefix(const QString& name, qsizetype index) {
-    NamePrefix prefix;
-    prefix.index = index;
-    const qsizetype length = qMin<qsizetype>(name.size(), 16);
-    for (qsizetype i = 0; i < 16; ++i) {
-        const char16_t c = i < length ? FoldAscii(name[i].unicode()) : 0;
-        if (i < length && (c == 0 || c >= 0x80)) {
-            prefix.plain = false;
-            return prefix;
-        }
-        quint64& half = i < 8 ? prefix.high : prefix.low;
-        half = half << 8 | c;
+// Name order for two names in plain ASCII, as lessByName orders them.
+bool lessByAsciiName(QByteArrayView a, QByteArrayView b) {
+    const qsizetype n = qMin(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        const uchar p = uchar(a[i]);
+        const uchar q = uchar(b[i]);
+        if (p != q && FoldAscii(p) != FoldAscii(q))
+            return FoldAscii(p) < FoldAscii(q);
     }
-    return prefix;
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
-// Sorts the textures by name as lessByName orders them, textures of the same
-// name by folder and file. Most names differ within their first 16
-// characters, so those are compared as numbers first.
-void sortByName(QList<CatalogueEntry>& entries) {
-    QList<NamePrefix> order;
-    order.reserve(entries.size());
-    for (qsizetype i = 0; i < entries.size(); ++i)
-        order.append(namePrefix(entries[i].name, i));
-    std::sort(order.begin(), order.end(), [&entries](const NamePrefix& a, const NamePrefix& b) {
+// A texture of a category as it is sorted. The first 16 characters of its
+// name, folded to lower case, are held as two numbers that compare as the
+// characters do (`plain` is false when one of them is not plain ASCII, or a
+// NUL, which the padding of a shorter name uses): most names differ within
+// them. A name in plain ASCII from an archive is held as the archive's bytes,
+// any other texture as strings.
+struct SortItem {
+    quint64 high = 0;
+    quint64 low = 0;
+    const char* name = nullptr; // the plain name's bytes; null for strings
+    quint32 nameBytes = 0;
+    // The place of a plain name's folder, or of the strings, in the
+    // category's lists.
+    quint32 at = 0;
+    int width = 0;
+    int height = 0;
+    bool plain = true;
+};
+
+template <typename Char> void setPrefix(SortItem& item, const Char* name, qsizetype size) {
+    const qsizetype length = qMin<qsizetype>(size, 16);
+    for (qsizetype i = 0; i < 16; ++i) {
+        const char16_t c = i < length ? FoldAscii(char16_t(name[i])) : 0;
+        if (i < length && (c == 0 || c >= 0x80)) {
+            item.plain = false;
+            item.high = item.low = 0;
+            return;
+        }
+        quint64& half = i < 8 ? item.high : item.low;
+        half = half << 8 | c;
+    }
+}
+
+// A category's textures, sorted by name as lessByName orders them, textures
+// of the same name by folder and file.
+struct SortedCategory {
+    QString name;
+    QList<SortItem> items;
+    QList<CatalogueEntry> strings;
+    // The folder of each place a plain name comes from, and its UTF-8.
+    QList<const QString*> folders;
+    QList<QByteArray> folderBytes;
+
+    CatalogueEntry Entry(const SortItem& item) const {
+        if (item.name == nullptr)
+            return strings[item.at];
+        const QString name = QString::fromLatin1(item.name, item.nameBytes);
+        return {name, item.width, item.height, *folders[item.at], name};
+    }
+    CatalogueCategory Category() const {
+        CatalogueCategory category{name, {}};
+        category.entries.reserve(items.size());
+        for (const SortItem& item : items)
+            category.entries.append(Entry(item));
+        return category;
+    }
+    bool Less(const SortItem& a, const SortItem& b) const {
         if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
             return a.high != b.high ? a.high < b.high : a.low < b.low;
-        const CatalogueEntry& x = entries[a.index];
-        const CatalogueEntry& y = entries[b.index];
+        if (a.name != nullptr && b.name != nullptr) {
+            const QByteArrayView x(a.name, a.nameBytes);
+            const QByteArrayView y(b.name, b.nameBytes);
+            if (x != y)
+                return lessByAsciiName(x, y);
+            // A plain name is its file's: the folders tell them apart.
+            return folderBytes[a.at] < folderBytes[b.at];
+        }
+        const CatalogueEntry x = Entry(a);
+        const CatalogueEntry y = Entry(b);
         if (x.name != y.name)
             return lessByName(x.name, y.name);
         return x.folder != y.folder ? x.folder < y.folder : x.file < y.file;
-    });
-    QList<CatalogueEntry> sorted;
-    sorted.reserve(entries.size());
-    for (const NamePrefix& prefix : std::as_const(order))
-        sorted.append(std::move(entries[prefix.index]));
-    entries = std::move(sorted);
-}
+    }
+};
 
 // "texture_library/GUI/Icons" gives "GUI/Icons"; a folder elsewhere keeps
 // its whole path.
@@ -174,7 +211,7 @@ private:
     void placeTextures();
     qsizetype categoryOf(const QString& folder);
     qsizetype placedCount(qsizetype c) const;
-    void gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const;
+    SortedCategory sortCategory(CatalogueCategory& category, qsizetype c) const;
 
     BusyHost& host_;
     std::atomic<bool> cancel_ = false;
@@ -193,11 +230,12 @@ private:
     // catalogue entries may not name it.
     QHash<QString, qsizetype> folders_;
     CategorySet found_;
-    // The sized textures of each category, as places in archives_, waiting
-    // to be moved into it.
+    // The sized textures of each category, as places in archives_: the
+    // lines (in that archive's `sized`) of one folder of a sizing run.
     struct Place {
         qsizetype archive;
-        const QList<qsizetype>* lines; // in that archive's `sized`
+        const QList<qsizetype>* lines;
+        const QString* folder;
     };
     QList<QList<Place>> placed_;
     int placedCount_ = 0;
@@ -283,7 +321,7 @@ bool Builder::readSizes() {
     done_ = 0;
     // Each run fills its own lines of its archive's `sized`.
     SizingRun* runs = runs_.data();
-    QList<CatalogueEntry*> lines;
+    QList<SizedTexture*> lines;
     for (ArchiveTextures& archive : archives_)
         lines.append(archive.sized.data());
     const ArchiveTextures* archives = archives_.constData();
@@ -324,7 +362,7 @@ void Builder::placeTextures() {
             }
             if (category >= placed_.size())
                 placed_.resize(category + 1);
-            placed_[category].append({run.archive, &run.sized.lines[f]});
+            placed_[category].append({run.archive, &run.sized.lines[f], &run.sized.folders[f]});
             placedCount_ += int(run.sized.lines[f].size());
         }
         for (const qsizetype line : std::as_const(unusable)) {
@@ -335,14 +373,74 @@ void Builder::placeTextures() {
     }
 }
 
-// Gathers the textures of category `c` into it and sorts them.
-void Builder::gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const {
-    QList<CatalogueEntry>& entries = category.entries;
-    entries.reserve(entries.size() + placedCount(c));
-    for (const Place& place : placed_.at(c))
-        for (const qsizetype line : *place.lines)
-            entries.append(std::move(lines[place.archive][line]));
-    sortByName(entries);
+// Gathers the textures of category `c` (those of `category`, then the sized
+// ones placed in it) and sorts them, leaving names in plain ASCII as the
+// archives' bytes.
+SortedCategory Builder::sortCategory(CatalogueCategory& category, qsizetype c) const {
+    SortedCategory sorted;
+    sorted.name = std::move(category.name);
+    sorted.strings = std::move(category.entries);
+    const QList<Place>& places = placed_.at(c);
+    sorted.items.reserve(sorted.strings.size() + placedCount(c));
+    for (qsizetype i = 0; i < sorted.strings.size(); ++i) {
+        SortItem item;
+        item.at = quint32(i);
+        const QString& name = sorted.strings[i].name;
+        setPrefix(item, reinterpret_cast<const char16_t*>(name.utf16()), name.size());
+        sorted.items.append(item);
+    }
+    sorted.folders.reserve(places.size());
+    sorted.folderBytes.reserve(places.size());
+    for (const Place& place : places) {
+        const ArchiveTextures& archive = archives_[place.archive];
+        const quint32 at = quint32(sorted.folders.size());
+        sorted.folders.append(place.folder);
+        sorted.folderBytes.append(place.folder->toUtf8());
+        for (const qsizetype line : *place.lines) {
+            const SizedTexture& sized = archive.sized[line];
+            SortItem item;
+            item.width = sized.width;
+            item.height = sized.height;
+            if (sized.fileBytes != 0) {
+                const QByteArrayView file = archive.PlainFile(sized);
+                item.name = file.data();
+                item.nameBytes = quint32(file.size());
+                item.at = at;
+                setPrefix(item, reinterpret_cast<const uchar*>(file.data()), file.size());
+            } else {
+                const QString file = archive.DecodedFile(line);
+                item.at = quint32(sorted.strings.size());
+                sorted.strings.append({file, sized.width, sized.height, *place.folder, file});
+                setPrefix(item, reinterpret_cast<const char16_t*>(file.utf16()), file.size());
+            }
+            sorted.items.append(item);
+        }
+    }
+    std::sort(sorted.items.begin(), sorted.items.end(),
+              [&sorted](const SortItem& a, const SortItem& b) { return sorted.Less(a, b); });
+    return sorted;
+}
+
+// The category's text.
+CatalogueCategoryText formatCategory(const SortedCategory& category) {
+    qsizetype room = 0;
+    for (const SortItem& item : category.items) {
+        if (item.name != nullptr) {
+            room += 2 * item.nameBytes + category.folderBytes[item.at].size() + 64;
+        } else {
+            const CatalogueEntry& entry = category.strings[item.at];
+            room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 64;
+        }
+    }
+    CatalogueCategoryFormatter text(category.name, category.items.size(), room);
+    for (const SortItem& item : category.items) {
+        if (item.name != nullptr)
+            text.Add(QByteArrayView(item.name, item.nameBytes), item.width, item.height,
+                     category.folderBytes[item.at]);
+        else
+            text.Add(category.strings[item.at]);
+    }
+    return text.Take();
 }
 
 qsizetype Builder::placedCount(qsizetype c) const {
@@ -369,22 +467,17 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
     for (qsizetype c = 0; c < list.size(); ++c)
         fits = fits && list[c].entries.size() + placedCount(c) <= kMaxCatalogueCount;
 
-    QList<CatalogueEntry*> lines;
-    for (ArchiveTextures& archive : archives_)
-        lines.append(archive.sized.data());
-    QList<CatalogueCategory> sorted(list.size());
+    QList<SortedCategory> sorted(list.size());
     const auto texts = std::make_shared<QList<CatalogueCategoryText>>(list.size());
     const std::shared_ptr<QSemaphore[]> made(new QSemaphore[size_t(list.size())]);
     for (qsizetype k = 0; k < list.size(); ++k) {
-        QThreadPool::globalInstance()->start([this, k, c = order[k], fits, texts, made,
-                                              out = sorted.data(), in = list.data(),
-                                              from = lines.constData()] {
-            out[k] = std::move(in[c]);
-            gather(out[k], c, from);
-            if (fits)
-                (*texts)[k] = FormatCatalogueCategory(out[k]);
-            made[k].release();
-        });
+        QThreadPool::globalInstance()->start(
+            [this, k, c = order[k], fits, texts, made, out = sorted.data(), in = list.data()] {
+                out[k] = sortCategory(in[c], c);
+                if (fits)
+                    (*texts)[k] = formatCategory(out[k]);
+                made[k].release();
+            });
     }
     // Outside the busy state: only waits, letting no window events run. The
     // tasks use the lists above, so every way out waits for all of them.
@@ -398,6 +491,15 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
                 Next();
         }
     } wait{made, sorted.size()};
+    // The categories as strings, only for a catalogue that cannot be written
+    // from the texts as they are.
+    const auto asStrings = [&sorted] {
+        QList<CatalogueCategory> categories;
+        categories.reserve(sorted.size());
+        for (const SortedCategory& category : std::as_const(sorted))
+            categories.append(category.Category());
+        return categories;
+    };
     QString error;
     if (fits) {
         CatalogueFileWriter writer(fileName, sorted.size());
@@ -406,15 +508,17 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
             wait.Next(); // category k is sorted and in text
             writer.Append((*texts)[k]);
         }
-        error = writer.Finish(sorted);
+        error = writer.Finish(sorted.size(), asStrings);
         dropped = 0;
+        written = sorted.size();
     } else {
         while (wait.next < wait.count)
             wait.Next();
-        dropped = FitCatalogueCounts(sorted);
-        error = WriteCatalogue(fileName, sorted);
+        QList<CatalogueCategory> categories = asStrings();
+        dropped = FitCatalogueCounts(categories);
+        error = WriteCatalogue(fileName, categories);
+        written = categories.size();
     }
-    written = sorted.size();
     releaseLater(std::move(sorted), std::move(*texts));
     return error;
 }

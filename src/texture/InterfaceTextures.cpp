@@ -70,23 +70,23 @@ class FolderGroups {
 public:
     explicit FolderGroups(SizedTextures& run) : run_(run) {}
 
-    // The folder's string; the texture at `line` is counted in it.
-    const QString& Add(QByteArrayView folder, qsizetype line) {
+    // Counts the texture at `line` in its folder.
+    void Add(QByteArrayView folder, qsizetype line) {
         if (folder != last_) {
             last_ = folder;
             current_ = places_.value(ByteKey{folder}, -1);
             if (current_ < 0)
                 places_.insert(ByteKey{folder}, current_ = append(QString::fromLatin1(folder)));
         }
-        return added(line);
+        added(line);
     }
     // The same for a folder whose name is not plain ASCII.
-    const QString& Add(const QString& folder, qsizetype line) {
+    void Add(const QString& folder, qsizetype line) {
         last_ = {};
         current_ = decodedPlaces_.value(folder, -1);
         if (current_ < 0)
             decodedPlaces_.insert(folder, current_ = append(folder));
-        return added(line);
+        added(line);
     }
 
 private:
@@ -95,10 +95,7 @@ private:
         run_.lines.append(QList<qsizetype>());
         return run_.folders.size() - 1;
     }
-    const QString& added(qsizetype line) {
-        run_.lines[current_].append(line);
-        return run_.folders[current_];
-    }
+    void added(qsizetype line) { run_.lines[current_].append(line); }
 
     SizedTextures& run_;
     QByteArrayView last_;
@@ -108,31 +105,31 @@ private:
 };
 
 // Fills in the catalogue line `line` (of the found texture `place`), of the
-// given size, unless the catalogue cannot hold its file name. The line is
-// filled where it lies, so its strings are shared without being copied about.
+// given size, unless the catalogue cannot hold its file name. A plain ASCII
+// name stays in the archive's name table until the catalogue is written.
 bool describe(const ArchiveTextures& archive, qsizetype place, int width, int height,
-              FolderGroups& folders, qsizetype line, CatalogueEntry& entry) {
+              FolderGroups& folders, qsizetype line, SizedTexture& entry) {
     const auto decoded = archive.decodedNames.constFind(place);
     if (decoded == archive.decodedNames.cend()) {
-        const QByteArrayView name =
-            archive.index.Name(archive.index.entries[archive.found[place].entry]);
+        const ArchiveIndexEntry& named = archive.index.entries[archive.found[place].entry];
+        const QByteArrayView name = archive.index.Name(named);
         const qsizetype slash = name.lastIndexOf('/');
         const QByteArrayView file =
             name.sliced(slash + 1, name.size() - slash - 1 - kTextureSuffix.size());
         if (!isCatalogueFile(file))
             return false;
-        entry.file = QString::fromLatin1(file);
-        entry.folder = folders.Add(name.first(slash), line);
+        entry.fileAt = quint32(named.nameAt + slash + 1);
+        entry.fileBytes = quint32(file.size());
+        folders.Add(name.first(slash), line);
     } else {
         const QString& name = *decoded;
         const qsizetype slash = name.lastIndexOf(u'/');
         const QString file = name.mid(slash + 1).chopped(kTextureSuffix.size());
         if (!IsSafeCatalogueFile(file) || !IsCatalogueText(file))
             return false;
-        entry.file = file;
-        entry.folder = folders.Add(name.left(slash), line);
+        entry.fileBytes = 0;
+        folders.Add(name.left(slash), line);
     }
-    entry.name = entry.file;
     entry.width = width;
     entry.height = height;
     return true;
@@ -187,8 +184,13 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
     archive.found.squeeze();
 }
 
+QString ArchiveTextures::DecodedFile(qsizetype line) const {
+    const QString name = decodedNames.value(toSize[line]);
+    return name.mid(name.lastIndexOf(u'/') + 1).chopped(kTextureSuffix.size());
+}
+
 SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetype from,
-                                        qsizetype to, CatalogueEntry* lines,
+                                        qsizetype to, SizedTexture* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done) {
     SizedTextures run;
     QFile file;
