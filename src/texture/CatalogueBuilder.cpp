@@ -14,8 +14,10 @@
 #include <QSemaphore>
 #include <QSet>
 #include <QThreadPool>
+#include <QtEndian>
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <numeric>
@@ -64,15 +66,9 @@ bool lessByAsciiName(QByteArrayView a, QByteArrayView b) {
     return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
-// A texture of a category as it is sorted. The first 16 characters of its
-// name, folded to lower case, are held as two numbers that compare as the
-// characters do (`plain` is false when one of them is not plain ASCII, or a
-// NUL, which the padding of a shorter name uses): most names differ within
-// them. A name in plain ASCII from an archive is held as the archive's bytes,
-// any other texture as strings.
+// A texture of a category: a name in plain ASCII from an archive as the
+// archive's bytes, any other texture as strings.
 struct SortItem {
-    quint64 high = 0;
-    quint64 low = 0;
     const char* name = nullptr; // the plain name's bytes; null for strings
     quint32 nameBytes = 0;
     // The place of a plain name's folder, or of the strings, in the
@@ -80,49 +76,97 @@ struct SortItem {
     quint32 at = 0;
     int width = 0;
     int height = 0;
+};
+
+// What a texture is sorted by: the first 16 characters of its name folded
+// to lower case, as two numbers that compare as the characters do (`plain`
+// is false when one of them is not plain ASCII, or a NUL, which the padding
+// of a shorter name uses). Most names differ within them.
+struct SortKey {
+    quint64 high = 0;
+    quint64 low = 0;
+    quint32 item = 0;
     bool plain = true;
 };
 
-template <typename Char> void setPrefix(SortItem& item, const Char* name, qsizetype size) {
-    const qsizetype length = qMin<qsizetype>(size, 16);
+SortKey sortKey(const QString& name, quint32 item) {
+    SortKey key;
+    key.item = item;
+    const qsizetype length = qMin<qsizetype>(name.size(), 16);
     for (qsizetype i = 0; i < 16; ++i) {
-        const char16_t c = i < length ? FoldAscii(char16_t(name[i])) : 0;
+        const char16_t c = i < length ? FoldAscii(name[i].unicode()) : 0;
         if (i < length && (c == 0 || c >= 0x80)) {
-            item.plain = false;
-            item.high = item.low = 0;
-            return;
+            key.plain = false;
+            return key;
         }
-        quint64& half = i < 8 ? item.high : item.low;
+        quint64& half = i < 8 ? key.high : key.low;
         half = half << 8 | c;
     }
+    return key;
 }
 
-// A category's textures, sorted by name as lessByName orders them, textures
-// of the same name by folder and file.
-struct SortedCategory {
-    QString name;
-    QList<SortItem> items;
-    QList<CatalogueEntry> strings;
-    // The folder of each place a plain name comes from, and its UTF-8.
-    QList<const QString*> folders;
-    QList<QByteArray> folderBytes;
+// Eight bytes of plain ASCII with their capitals in lower case, the first
+// byte highest: 'A' to 'Z' are the bytes that reach 0x80 when 0x3F is added
+// but not when 0x25 is, and no byte below 0x80 carries into the next.
+quint64 foldedWord(const char* bytes) {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, 8);
+    constexpr quint64 kHigh = 0x8080808080808080ULL;
+    const quint64 capitals =
+        (word + 0x3F3F3F3F3F3F3F3FULL) & ~(word + 0x2525252525252525ULL) & kHigh;
+    return qFromBigEndian(word | capitals >> 2);
+}
 
-    CatalogueEntry Entry(const SortItem& item) const {
+// The same key for a name of plain ASCII without NULs, as the archives'
+// plain names are.
+SortKey sortKey(QByteArrayView name, quint32 item) {
+    char padded[16] = {};
+    std::memcpy(padded, name.data(), size_t(qMin<qsizetype>(name.size(), 16)));
+    SortKey key;
+    key.item = item;
+    key.high = foldedWord(padded);
+    key.low = foldedWord(padded + 8);
+    return key;
+}
+
+// A category's textures while they are sorted and put into text. Each pool
+// thread keeps one, so the lists' room is used again from category to
+// category.
+struct CategoryWork {
+    QList<SortItem> items;
+    QList<SortKey> keys;
+    QList<CatalogueEntry> strings;
+    // The folder of each place a plain name comes from, and its bytes.
+    QList<const QString*> folders;
+    QList<QByteArrayView> folderBytes;
+
+    void Clear() {
+        items.resize(0);
+        keys.resize(0);
+        strings.resize(0);
+        folders.resize(0);
+        folderBytes.resize(0);
+    }
+    CatalogueEntry Entry(quint32 i) const {
+        const SortItem& item = items[i];
         if (item.name == nullptr)
             return strings[item.at];
         const QString name = QString::fromLatin1(item.name, item.nameBytes);
         return {name, item.width, item.height, *folders[item.at], name};
     }
-    CatalogueCategory Category() const {
-        CatalogueCategory category{name, {}};
-        category.entries.reserve(items.size());
-        for (const SortItem& item : items)
-            category.entries.append(Entry(item));
-        return category;
+    // The textures in sorted order, as strings.
+    QList<CatalogueEntry> Entries() const {
+        QList<CatalogueEntry> entries;
+        entries.reserve(keys.size());
+        for (const SortKey& key : keys)
+            entries.append(Entry(key.item));
+        return entries;
     }
-    bool Less(const SortItem& a, const SortItem& b) const {
-        if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
-            return a.high != b.high ? a.high < b.high : a.low < b.low;
+    // Name order where the first 16 characters do not tell: by the whole
+    // name as lessByName orders them, then by folder and file.
+    bool Less(quint32 i, quint32 j) const {
+        const SortItem& a = items[i];
+        const SortItem& b = items[j];
         if (a.name != nullptr && b.name != nullptr) {
             const QByteArrayView x(a.name, a.nameBytes);
             const QByteArrayView y(b.name, b.nameBytes);
@@ -131,12 +175,23 @@ struct SortedCategory {
             // A plain name is its file's: the folders tell them apart.
             return folderBytes[a.at] < folderBytes[b.at];
         }
-        const CatalogueEntry x = Entry(a);
-        const CatalogueEntry y = Entry(b);
+        const CatalogueEntry x = Entry(i);
+        const CatalogueEntry y = Entry(j);
         if (x.name != y.name)
             return lessByName(x.name, y.name);
         return x.folder != y.folder ? x.folder < y.folder : x.file < y.file;
     }
+};
+
+thread_local CategoryWork categoryWork;
+
+// A category as it is written: its text, and its textures as strings only
+// when the text cannot be written as it is (its textures past the
+// catalogue's counts, or text the catalogue may not hold).
+struct SortedCategory {
+    QString name;
+    CatalogueCategoryText text;
+    QList<CatalogueEntry> entries;
 };
 
 // "texture_library/GUI/Icons" gives "GUI/Icons"; a folder elsewhere keeps
@@ -211,7 +266,7 @@ private:
     void placeTextures();
     qsizetype categoryOf(const QString& folder);
     qsizetype placedCount(qsizetype c) const;
-    SortedCategory sortCategory(CatalogueCategory& category, qsizetype c) const;
+    SortedCategory sortCategory(const CatalogueCategory& category, qsizetype c, bool format) const;
 
     BusyHost& host_;
     std::atomic<bool> cancel_ = false;
@@ -236,6 +291,7 @@ private:
         qsizetype archive;
         const QList<qsizetype>* lines;
         const QString* folder;
+        QByteArrayView folderBytes; // when plain ASCII
     };
     QList<QList<Place>> placed_;
     int placedCount_ = 0;
@@ -362,7 +418,8 @@ void Builder::placeTextures() {
             }
             if (category >= placed_.size())
                 placed_.resize(category + 1);
-            placed_[category].append({run.archive, &run.sized.lines[f], &run.sized.folders[f]});
+            placed_[category].append({run.archive, &run.sized.lines[f], &run.sized.folders[f],
+                                      run.sized.plainFolders[f]});
             placedCount_ += int(run.sized.lines[f].size());
         }
         for (const qsizetype line : std::as_const(unusable)) {
@@ -374,73 +431,77 @@ void Builder::placeTextures() {
 }
 
 // Gathers the textures of category `c` (those of `category`, then the sized
-// ones placed in it) and sorts them, leaving names in plain ASCII as the
-// archives' bytes.
-SortedCategory Builder::sortCategory(CatalogueCategory& category, qsizetype c) const {
-    SortedCategory sorted;
-    sorted.name = std::move(category.name);
-    sorted.strings = std::move(category.entries);
+// ones placed in it), sorts them and, when `format`, puts them into text,
+// leaving names in plain ASCII as the archives' bytes throughout.
+SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetype c,
+                                     bool format) const {
+    CategoryWork& work = categoryWork;
+    work.Clear();
     const QList<Place>& places = placed_.at(c);
-    sorted.items.reserve(sorted.strings.size() + placedCount(c));
-    for (qsizetype i = 0; i < sorted.strings.size(); ++i) {
-        SortItem item;
-        item.at = quint32(i);
-        const QString& name = sorted.strings[i].name;
-        setPrefix(item, reinterpret_cast<const char16_t*>(name.utf16()), name.size());
-        sorted.items.append(item);
+    const qsizetype count = category.entries.size() + placedCount(c);
+    work.items.reserve(count);
+    work.keys.reserve(count);
+    for (const CatalogueEntry& entry : category.entries) {
+        work.keys.append(sortKey(entry.name, quint32(work.items.size())));
+        work.items.append({nullptr, 0, quint32(work.strings.size()), 0, 0});
+        work.strings.append(entry);
     }
-    sorted.folders.reserve(places.size());
-    sorted.folderBytes.reserve(places.size());
     for (const Place& place : places) {
         const ArchiveTextures& archive = archives_[place.archive];
-        const quint32 at = quint32(sorted.folders.size());
-        sorted.folders.append(place.folder);
-        sorted.folderBytes.append(place.folder->toUtf8());
+        const quint32 at = quint32(work.folders.size());
+        work.folders.append(place.folder);
+        work.folderBytes.append(place.folderBytes);
         for (const qsizetype line : *place.lines) {
             const SizedTexture& sized = archive.sized[line];
-            SortItem item;
-            item.width = sized.width;
-            item.height = sized.height;
+            const quint32 item = quint32(work.items.size());
             if (sized.fileBytes != 0) {
                 const QByteArrayView file = archive.PlainFile(sized);
-                item.name = file.data();
-                item.nameBytes = quint32(file.size());
-                item.at = at;
-                setPrefix(item, reinterpret_cast<const uchar*>(file.data()), file.size());
+                work.keys.append(sortKey(file, item));
+                work.items.append(
+                    {file.data(), quint32(file.size()), at, sized.width, sized.height});
             } else {
                 const QString file = archive.DecodedFile(line);
-                item.at = quint32(sorted.strings.size());
-                sorted.strings.append({file, sized.width, sized.height, *place.folder, file});
-                setPrefix(item, reinterpret_cast<const char16_t*>(file.utf16()), file.size());
+                work.keys.append(sortKey(file, item));
+                work.items.append(
+                    {nullptr, 0, quint32(work.strings.size()), sized.width, sized.height});
+                work.strings.append({file, sized.width, sized.height, *place.folder, file});
             }
-            sorted.items.append(item);
         }
     }
-    std::sort(sorted.items.begin(), sorted.items.end(),
-              [&sorted](const SortItem& a, const SortItem& b) { return sorted.Less(a, b); });
-    return sorted;
-}
+    std::sort(work.keys.begin(), work.keys.end(), [&work](const SortKey& a, const SortKey& b) {
+        if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
+            return a.high != b.high ? a.high < b.high : a.low < b.low;
+        return work.Less(a.item, b.item);
+    });
 
-// The category's text.
-CatalogueCategoryText formatCategory(const SortedCategory& category) {
+    SortedCategory sorted;
+    sorted.name = category.name;
+    if (!format) {
+        sorted.entries = work.Entries();
+        return sorted;
+    }
     qsizetype room = 0;
-    for (const SortItem& item : category.items) {
+    for (const SortItem& item : std::as_const(work.items)) {
         if (item.name != nullptr) {
-            room += 2 * item.nameBytes + category.folderBytes[item.at].size() + 64;
+            room += 2 * item.nameBytes + work.folderBytes[item.at].size() + 64;
         } else {
-            const CatalogueEntry& entry = category.strings[item.at];
+            const CatalogueEntry& entry = work.strings[item.at];
             room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 64;
         }
     }
-    CatalogueCategoryFormatter text(category.name, category.items.size(), room);
-    for (const SortItem& item : category.items) {
+    CatalogueCategoryFormatter text(category.name, work.keys.size(), room);
+    for (const SortKey& key : std::as_const(work.keys)) {
+        const SortItem& item = work.items[key.item];
         if (item.name != nullptr)
             text.Add(QByteArrayView(item.name, item.nameBytes), item.width, item.height,
-                     category.folderBytes[item.at]);
+                     work.folderBytes[item.at]);
         else
-            text.Add(category.strings[item.at]);
+            text.Add(work.strings[item.at]);
     }
-    return text.Take();
+    sorted.text = text.Take();
+    if (sorted.text.doubtful)
+        sorted.entries = work.Entries();
+    return sorted;
 }
 
 qsizetype Builder::placedCount(qsizetype c) const {
@@ -468,14 +529,11 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
         fits = fits && list[c].entries.size() + placedCount(c) <= kMaxCatalogueCount;
 
     QList<SortedCategory> sorted(list.size());
-    const auto texts = std::make_shared<QList<CatalogueCategoryText>>(list.size());
     const std::shared_ptr<QSemaphore[]> made(new QSemaphore[size_t(list.size())]);
     for (qsizetype k = 0; k < list.size(); ++k) {
         QThreadPool::globalInstance()->start(
-            [this, k, c = order[k], fits, texts, made, out = sorted.data(), in = list.data()] {
-                out[k] = sortCategory(in[c], c);
-                if (fits)
-                    (*texts)[k] = formatCategory(out[k]);
+            [this, k, c = order[k], fits, made, out = sorted.data(), in = list.constData()] {
+                out[k] = sortCategory(in[c], c, fits);
                 made[k].release();
             });
     }
@@ -491,13 +549,14 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
                 Next();
         }
     } wait{made, sorted.size()};
-    // The categories as strings, only for a catalogue that cannot be written
-    // from the texts as they are.
+    // The categories as strings. A category whose text is not doubtful holds
+    // nothing the catalogue cannot, so its textures are not needed to find
+    // what is wrong with the others.
     const auto asStrings = [&sorted] {
         QList<CatalogueCategory> categories;
         categories.reserve(sorted.size());
-        for (const SortedCategory& category : std::as_const(sorted))
-            categories.append(category.Category());
+        for (SortedCategory& category : sorted)
+            categories.append({category.name, std::move(category.entries)});
         return categories;
     };
     QString error;
@@ -506,7 +565,9 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
         while (wait.next < wait.count) {
             const qsizetype k = wait.next;
             wait.Next(); // category k is sorted and in text
-            writer.Append((*texts)[k]);
+            writer.Append(sorted[k].text);
+            // Its room is used again for the texts still being made.
+            sorted[k].text.text = QByteArray();
         }
         error = writer.Finish(sorted.size(), asStrings);
         dropped = 0;
@@ -519,7 +580,7 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
         error = WriteCatalogue(fileName, categories);
         written = categories.size();
     }
-    releaseLater(std::move(sorted), std::move(*texts));
+    releaseLater(std::move(sorted));
     return error;
 }
 

@@ -43,7 +43,8 @@ public:
             *out_++ = '"';
             return;
         }
-        const char16_t* in = reinterpret_cast<const char16_t*>(text.constData());
+        const char16_t* __restrict in = reinterpret_cast<const char16_t*>(text.constData());
+        char* __restrict out = out_;
         const qsizetype size = text.size();
         // Written without branches, so the compiler turns the loop into
         // vector instructions: `any` gathers every bit of every character,
@@ -54,7 +55,7 @@ public:
             const unsigned c = in[i];
             any |= c;
             special |= (((c ^ 0x22u) - 1u) | ((c ^ 0x0Du) - 1u) | ((c ^ 0x0Au) - 1u)) >> 31;
-            out_[i] = char(c);
+            out[i] = char(c);
         }
         qsizetype written = size;
         if (any >= 0x80) {
@@ -78,15 +79,7 @@ public:
     // Quoted() for text that is UTF-8 already.
     void Quoted(QByteArrayView utf8) {
         *out_++ = '"';
-        const unsigned char* in = reinterpret_cast<const unsigned char*>(utf8.data());
-        unsigned special = 0;
-        for (qsizetype i = 0; i < utf8.size(); ++i) {
-            const unsigned c = in[i];
-            special |= (((c ^ 0x22u) - 1u) | ((c ^ 0x0Du) - 1u) | ((c ^ 0x0Au) - 1u)) >> 31;
-            out_[i] = char(c);
-        }
-        doubtful_ |= special != 0;
-        out_ += utf8.size();
+        out_ = copyChecked(out_, utf8.data(), utf8.size());
         *out_++ = '"';
     }
     void Number(qsizetype value) { out_ = std::to_chars(out_, out_ + 24, value).ptr; }
@@ -103,6 +96,20 @@ public:
     }
 
 private:
+    // Copies the bytes to `out`, marking the text doubtful when they hold a
+    // double quote or a line end. Works on locals only, so the compiler
+    // turns it into vector instructions.
+    char* copyChecked(char* __restrict out, const char* __restrict in, qsizetype size) {
+        unsigned special = 0;
+        for (qsizetype i = 0; i < size; ++i) {
+            const unsigned c = uchar(in[i]);
+            special |= (((c ^ 0x22u) - 1u) | ((c ^ 0x0Du) - 1u) | ((c ^ 0x0Au) - 1u)) >> 31;
+            out[i] = char(c);
+        }
+        doubtful_ |= special != 0;
+        return out + size;
+    }
+
     QByteArray bytes_;
     char* out_ = nullptr;
     const char* end_ = nullptr;

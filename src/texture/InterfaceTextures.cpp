@@ -76,7 +76,8 @@ public:
             last_ = folder;
             current_ = places_.value(ByteKey{folder}, -1);
             if (current_ < 0)
-                places_.insert(ByteKey{folder}, current_ = append(QString::fromLatin1(folder)));
+                places_.insert(ByteKey{folder},
+                               current_ = append(QString::fromLatin1(folder), folder));
         }
         added(line);
     }
@@ -85,13 +86,14 @@ public:
         last_ = {};
         current_ = decodedPlaces_.value(folder, -1);
         if (current_ < 0)
-            decodedPlaces_.insert(folder, current_ = append(folder));
+            decodedPlaces_.insert(folder, current_ = append(folder, {}));
         added(line);
     }
 
 private:
-    qsizetype append(const QString& folder) {
+    qsizetype append(const QString& folder, QByteArrayView plain) {
         run_.folders.append(folder);
+        run_.plainFolders.append(plain);
         run_.lines.append(QList<qsizetype>());
         return run_.folders.size() - 1;
     }

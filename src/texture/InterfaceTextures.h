@@ -67,6 +67,8 @@ void FindInterfaceTextures(ArchiveTextures& archive);
 // hold).
 struct SizedTextures {
     QList<QString> folders;
+    // Each folder as the archive's bytes when it is plain ASCII, else empty.
+    QList<QByteArrayView> plainFolders;
     QList<QList<qsizetype>> lines;
     QList<qsizetype> unusable;
 };
