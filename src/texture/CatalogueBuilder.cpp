@@ -163,8 +163,9 @@ struct CategoryWork {
         return entries;
     }
     // Name order where the first 16 characters do not tell: by the whole
-    // name as lessByName orders them, then by folder and file.
-    bool Less(quint32 i, quint32 j) const {
+    // name as lessByName orders them, then by folder and file. Kept out of
+    // the sort's loop, which mostly compares the numbers alone.
+    Q_NEVER_INLINE bool Less(quint32 i, quint32 j) const {
         const SortItem& a = items[i];
         const SortItem& b = items[j];
         if (a.name != nullptr && b.name != nullptr) {
@@ -493,8 +494,8 @@ SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetyp
     for (const SortKey& key : std::as_const(work.keys)) {
         const SortItem& item = work.items[key.item];
         if (item.name != nullptr)
-            text.Add(QByteArrayView(item.name, item.nameBytes), item.width, item.height,
-                     work.folderBytes[item.at]);
+            text.AddPlain(QByteArrayView(item.name, item.nameBytes), item.width, item.height,
+                          work.folderBytes[item.at]);
         else
             text.Add(work.strings[item.at]);
     }

@@ -52,8 +52,9 @@ public:
 
     void Add(const CatalogueEntry& entry);
     // A texture whose file name, in UTF-8, is also its name; its folder is
-    // UTF-8 too.
-    void Add(QByteArrayView file, int width, int height, QByteArrayView folder);
+    // UTF-8 too. Neither may hold a double quote or a line end: the caller
+    // has checked them (IsCatalogueText), so they are copied unlooked at.
+    void AddPlain(QByteArrayView file, int width, int height, QByteArrayView folder);
     // The text, and whether it may hold something the catalogue cannot.
     CatalogueCategoryText Take();
 
