@@ -350,8 +350,13 @@ bool Builder::findTextures() {
         // directory is mostly in that order already.
         QList<std::pair<quint32, qsizetype>> order;
         order.reserve(archive.found.size());
+        // The hashes are known ahead, so the slots a few keys on are fetched
+        // while this one is looked up.
+        constexpr qsizetype kAhead = 8;
         for (qsizetype i = 0; i < archive.found.size(); ++i) {
             const InterfaceTexture& texture = archive.found[i];
+            if (i + kAhead < archive.found.size())
+                keys_.Prefetch(archive.found[i + kAhead].keyHash);
             if (keys_.Insert(archive.Key(texture), texture.keyHash))
                 order.append({archive.index.entries[texture.entry].offset, i});
         }

@@ -40,6 +40,12 @@ public:
     // The same for a key the set keeps a copy of.
     bool InsertCopy(const QByteArray& key);
     void Remove(QByteArrayView key, size_t hash);
+    // Asks the processor to fetch the slot a key of this hash starts from,
+    // for a caller that knows the next keys' hashes ahead of time.
+    void Prefetch(size_t hash) const {
+        if (!slots_.empty())
+            __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
+    }
 
 private:
     struct Key {
@@ -47,11 +53,18 @@ private:
         QByteArrayView bytes;
         bool present = false;
     };
+    // A slot holds the high half of its key's hash beside the key's place,
+    // so a probe looks at one cache line and reads the key itself only when
+    // that half matches.
+    struct Slot {
+        quint32 tag = 0;
+        quint32 key = 0; // 1 + a place in keys_, 0 for an empty slot
+    };
     // The slot holding the key, or the empty slot where it would go.
     size_t find(QByteArrayView key, size_t hash) const;
     void grow();
 
-    QList<Key> keys_;              // every key ever inserted; Remove clears `present`
-    std::vector<qsizetype> slots_; // 1 + a place in keys_, 0 for an empty slot
+    QList<Key> keys_; // every key ever inserted; Remove clears `present`
+    std::vector<Slot> slots_;
     QList<QByteArray> copies_;
 };
