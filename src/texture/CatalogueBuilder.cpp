@@ -105,16 +105,11 @@ SortKey sortKey(const QString& name, quint32 item) {
     return key;
 }
 
-// Eight bytes of plain ASCII with their capitals in lower case, the first
-// byte highest: 'A' to 'Z' are the bytes that reach 0x80 when 0x3F is added
-// but not when 0x25 is, and no byte below 0x80 carries into the next.
+// Eight bytes of plain ASCII folded to lower case, the first byte highest.
 quint64 foldedWord(const char* bytes) {
     quint64 word = 0;
     std::memcpy(&word, bytes, 8);
-    constexpr quint64 kHigh = 0x8080808080808080ULL;
-    const quint64 capitals =
-        (word + 0x3F3F3F3F3F3F3F3FULL) & ~(word + 0x2525252525252525ULL) & kHigh;
-    return qFromBigEndian(word | capitals >> 2);
+    return qFromBigEndian(FoldAsciiWord(word));
 }
 
 // The same key for a name of plain ASCII without NULs, as the archives'
