@@ -4,9 +4,13 @@
 #include "app/PathUtils.h"
 
 #include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QThreadPool>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <unistd.h>
 
 namespace {
 
@@ -227,6 +231,8 @@ namespace {
 
 // The disk is started on the file each time this much more has been written.
 constexpr qint64 kFlushStep = 512 * 1024;
+// The random part of a second name, as the temporaries' names have it.
+constexpr char kNameLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 } // namespace
 
@@ -239,6 +245,37 @@ struct CatalogueFileWriter::State {
     int failure = 0; // errno of the first failed step
     qint64 written = 0;
     qint64 flushed = 0; // the disk has been started on the bytes before this
+
+    // A second name of the catalogue being replaced, made while the new one
+    // is written: the rename then only drops one of its names, and freeing
+    // its blocks (a good part of a millisecond for a large catalogue) is
+    // left to the last name's removal, after the new catalogue is in place.
+    QByteArray retired;
+
+    void retireOld() {
+        const QByteArray target = QFile::encodeName(fileName);
+        for (int attempt = 0; attempt < 4 && retired.isEmpty(); ++attempt) {
+            QByteArray name = target + kTemporaryMarker;
+            for (int i = 0; i < 6; ++i)
+                name +=
+                    kNameLetters[QRandomGenerator::global()->bounded(int(sizeof kNameLetters) - 1)];
+            if (::link(target.constData(), name.constData()) == 0)
+                retired = name;
+            else if (errno != EEXIST)
+                break; // no old catalogue, or a file system without links
+        }
+    }
+    // Removes the second name: in the background once the new catalogue is
+    // in place, at once when the old one stays.
+    void releaseOld(bool replaced) {
+        if (retired.isEmpty())
+            return;
+        if (replaced)
+            QThreadPool::globalInstance()->start([name = retired] { ::unlink(name.constData()); });
+        else
+            ::unlink(retired.constData());
+        retired.clear();
+    }
 
     void write(const QByteArray& bytes) {
         if (failure != 0)
@@ -266,12 +303,15 @@ CatalogueFileWriter::CatalogueFileWriter(const QString& fileName, qsizetype coun
     s.record = OpenReplacingFileRecord(fileName);
     if (s.record.Handle == -1)
         s.failure = errno != 0 ? errno : EACCES; // a read-only catalogue is refused as such
+    else
+        s.retireOld();
     s.write(QByteArray::number(count) + "\r\n");
 }
 
 CatalogueFileWriter::~CatalogueFileWriter() {
     if (state_->record.Handle != -1)
         DiscardFileRecord(state_->record);
+    state_->releaseOld(false);
 }
 
 void CatalogueFileWriter::Append(const CatalogueCategoryText& text) {
@@ -305,6 +345,7 @@ QString CatalogueFileWriter::Finish(qsizetype count,
     }
     if (s.record.Handle != -1)
         DiscardFileRecord(s.record);
+    s.releaseOld(message.isEmpty());
     return message;
 }
 

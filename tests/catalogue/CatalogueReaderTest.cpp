@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadPool>
 
 namespace {
 
@@ -94,6 +95,16 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     FailWritesAfter(2);
     EXPECT_TRUE(WriteCatalogue(file, categories).contains("could not be written"));
     FailWritesAfter(-1);
+    EXPECT_EQ(readFile(file), before);
+    // No write, refused, failed or done, leaves another name of the old
+    // catalogue beside the new one once its work in the background is over.
+    const auto names = [this] {
+        QThreadPool::globalInstance()->waitForDone();
+        return QDir(root() + "/new/folder").entryList(QDir::Files | QDir::Hidden);
+    };
+    EXPECT_EQ(names(), QStringList{"kelvaris.csv"});
+    ASSERT_EQ(WriteCatalogue(file, categories), QString());
+    EXPECT_EQ(names(), QStringList{"kelvaris.csv"});
     EXPECT_EQ(readFile(file), before);
 }
 
