@@ -292,7 +292,8 @@ private:
     // lines (in that archive's `sized`) of one folder of a sizing run.
     struct Place {
         qsizetype archive;
-        const QList<qsizetype>* lines;
+        const qsizetype* lines;
+        qsizetype count;
         const QString* folder;
         QByteArrayView folderBytes; // when plain ASCII
     };
@@ -442,14 +443,17 @@ void Builder::placeTextures() {
         for (qsizetype f = 0; f < run.sized.folders.size(); ++f) {
             const qsizetype category = categoryOf(run.sized.folders[f]);
             if (category < 0) {
-                unusable += run.sized.lines[f];
+                unusable.append(
+                    QList<qsizetype>(run.sized.FolderLines(f),
+                                     run.sized.FolderLines(f) + run.sized.FolderLineCount(f)));
                 continue;
             }
             if (category >= placed_.size())
                 placed_.resize(category + 1);
-            placed_[category].append({run.archive, &run.sized.lines[f], &run.sized.folders[f],
+            placed_[category].append({run.archive, run.sized.FolderLines(f),
+                                      run.sized.FolderLineCount(f), &run.sized.folders[f],
                                       run.sized.plainFolders[f]});
-            placedCount_ += int(run.sized.lines[f].size());
+            placedCount_ += int(run.sized.FolderLineCount(f));
         }
         for (const qsizetype line : std::as_const(unusable)) {
             ++unreadable_;
@@ -482,13 +486,13 @@ SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetyp
         work.folderBytes.append(place.folderBytes);
         // A category's textures lie scattered through their archives, so
         // each line, and then its name, is fetched a few textures ahead.
-        const QList<qsizetype>& lines = *place.lines;
+        const qsizetype* lines = place.lines;
         const SizedTexture* allSized = archive.sized.constData();
         const char* names = archive.index.names.constData();
-        for (qsizetype i = 0; i < lines.size(); ++i) {
-            if (i + 2 * kFetchAhead < lines.size())
+        for (qsizetype i = 0; i < place.count; ++i) {
+            if (i + 2 * kFetchAhead < place.count)
                 __builtin_prefetch(allSized + lines[i + 2 * kFetchAhead]);
-            if (i + kFetchAhead < lines.size())
+            if (i + kFetchAhead < place.count)
                 __builtin_prefetch(names + allSized[lines[i + kFetchAhead]].fileAt);
             const qsizetype line = lines[i];
             const SizedTexture& sized = allSized[line];
@@ -546,7 +550,7 @@ SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetyp
 qsizetype Builder::placedCount(qsizetype c) const {
     qsizetype count = 0;
     for (const Place& place : placed_.at(c))
-        count += place.lines->size();
+        count += place.count;
     return count;
 }
 

@@ -84,9 +84,27 @@ bool isCatalogueFile(QByteArrayView file) {
 // Groups a run's usable textures by folder. An archive holds a few folders
 // for many textures, so each folder's string is made once and shared by its
 // textures, and the folders are listed in the order of their first texture.
+// The lines are noted as they come and put in their folders' order by
+// Finish, into one list made to size.
 class FolderGroups {
 public:
-    explicit FolderGroups(SizedTextures& run) : run_(run) {}
+    FolderGroups(SizedTextures& run, qsizetype lines) : run_(run) { noted_.reserve(lines); }
+    FolderGroups(const FolderGroups&) = delete;
+    FolderGroups& operator=(const FolderGroups&) = delete;
+
+    // Puts the lines noted into their folders.
+    void Finish() {
+        QList<qsizetype>& starts = run_.folderStarts;
+        starts.fill(0, run_.folders.size() + 1);
+        for (const auto& [line, folder] : std::as_const(noted_))
+            ++starts[folder + 1];
+        for (qsizetype f = 0; f < run_.folders.size(); ++f)
+            starts[f + 1] += starts[f];
+        QList<qsizetype> next(starts.cbegin(), starts.cend() - 1);
+        run_.lines.resize(noted_.size());
+        for (const auto& [line, folder] : std::as_const(noted_))
+            run_.lines[next[folder]++] = line;
+    }
 
     // Counts the texture at `line` in its folder.
     void Add(QByteArrayView folder, qsizetype line) {
@@ -98,7 +116,7 @@ public:
                 places_.insert(ByteKey{folder},
                                current_ = append(QString::fromLatin1(folder), folder));
         }
-        added(line);
+        noted_.append({line, current_});
     }
     // The same for a folder whose name is not plain ASCII.
     void Add(const QString& folder, qsizetype line) {
@@ -106,23 +124,22 @@ public:
         current_ = decodedPlaces_.value(folder, -1);
         if (current_ < 0)
             decodedPlaces_.insert(folder, current_ = append(folder, {}));
-        added(line);
+        noted_.append({line, current_});
     }
 
 private:
     qsizetype append(const QString& folder, QByteArrayView plain) {
         run_.folders.append(folder);
         run_.plainFolders.append(plain);
-        run_.lines.append(QList<qsizetype>());
         return run_.folders.size() - 1;
     }
-    void added(qsizetype line) { run_.lines[current_].append(line); }
 
     SizedTextures& run_;
     QByteArrayView last_;
     qsizetype current_ = -1;
     QHash<ByteKey, qsizetype> places_;
     QHash<QString, qsizetype> decodedPlaces_;
+    QList<std::pair<qsizetype, qsizetype>> noted_; // line and folder
 };
 
 // Fills in the catalogue line `line` (of the found texture `place`), of the
@@ -221,6 +238,7 @@ SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetyp
                                         qsizetype to, SizedTexture* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done) {
     SizedTextures run;
+    run.folderStarts = {0};
     QFile file;
     if (!OpenRegularFile(file, archive.path)) {
         done += to - from;
@@ -236,12 +254,14 @@ SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetyp
         entries.append({QString(), entry.size, entry.offset, entry.compressedSize});
     }
     ArchiveStartReader reader(file, std::move(entries));
-    FolderGroups folders(run);
+    FolderGroups folders(run, to - from);
     for (qsizetype n = 0; n < reader.Count(); ++n) {
         if ((n + 1) % kProgressStep == 0) {
             done += kProgressStep;
-            if (cancel.load(std::memory_order_relaxed))
+            if (cancel.load(std::memory_order_relaxed)) {
+                folders.Finish();
                 return run;
+            }
         }
         QString error;
         // The 32-byte header first: it holds the size of most textures.
@@ -259,5 +279,6 @@ SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetyp
             run.unusable.append(line);
     }
     done += reader.Count() % kProgressStep;
+    folders.Finish();
     return run;
 }

@@ -69,8 +69,14 @@ struct SizedTextures {
     QList<QString> folders;
     // Each folder as the archive's bytes when it is plain ASCII, else empty.
     QList<QByteArrayView> plainFolders;
-    QList<QList<qsizetype>> lines;
+    // The usable lines folder by folder, each folder's in order: folder f's
+    // are lines[folderStarts[f]] up to lines[folderStarts[f + 1]].
+    QList<qsizetype> lines;
+    QList<qsizetype> folderStarts;
     QList<qsizetype> unusable;
+
+    const qsizetype* FolderLines(qsizetype f) const { return lines.constData() + folderStarts[f]; }
+    qsizetype FolderLineCount(qsizetype f) const { return folderStarts[f + 1] - folderStarts[f]; }
 };
 
 // Sizes the textures toSize[from] to toSize[to - 1] into the same lines of
