@@ -16,7 +16,6 @@
 #include <QThreadPool>
 #include <QtEndian>
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstring>
 #include <functional>
@@ -280,10 +279,7 @@ private:
         SizedTextures sized;
     };
     QList<SizingRun> runs_;
-    // The keys of the textures taken, in parts by a bit of their hash.
-    static constexpr int kKeyParts = 2;
-    static qsizetype keyPart(size_t hash) { return qsizetype(hash >> 31) & (kKeyParts - 1); }
-    std::array<TextureKeys, kKeyParts> keys_;
+    TextureKeys keys_;
     // The category of each folder, by the folder as written, or -1 when
     // catalogue entries may not name it.
     QHash<QString, qsizetype> folders_;
@@ -346,42 +342,21 @@ bool Builder::findTextures() {
         if (host_.CancelRequested())
             return false;
     }
-    // A texture in more than one archive is taken from the first. The keys
-    // are split in two by their hash, a part to a core: a key's copies all
-    // fall in one part, which sees them in archive and directory order.
-    std::array<QList<QList<bool>>, kKeyParts> taken;
-    if (!inParallel(kKeyParts, [this, found, &taken](qsizetype part) {
-            TextureKeys& keys = keys_[part];
-            keys.Reserve(found / kKeyParts + found / 16 + 16);
-            taken[part].resize(archives_.size());
-            for (qsizetype a = 0; a < archives_.size(); ++a) {
-                const ArchiveTextures& archive = archives_[a];
-                const InterfaceTexture* textures = archive.found.constData();
-                const qsizetype count = archive.found.size();
-                QList<bool>& mine = taken[part][a];
-                mine.resize(count);
-                // The hashes are known ahead, so the slots a few keys on are
-                // fetched while this one is looked up.
-                constexpr qsizetype kAhead = 8;
-                for (qsizetype i = 0; i < count; ++i) {
-                    if (i + kAhead < count && keyPart(textures[i + kAhead].keyHash) == part)
-                        keys.Prefetch(textures[i + kAhead].keyHash);
-                    const InterfaceTexture& texture = textures[i];
-                    if (keyPart(texture.keyHash) == part)
-                        mine[i] = keys.Insert(archive.Key(texture), texture.keyHash);
-                }
-            }
-        }))
-        return false;
-    for (qsizetype a = 0; a < archives_.size(); ++a) {
-        ArchiveTextures& archive = archives_[a];
+    // A texture in more than one archive is taken from the first.
+    keys_.Reserve(found);
+    for (ArchiveTextures& archive : archives_) {
         // In file order, so the archive is read front to back; an archive's
         // directory is mostly in that order already.
         QList<std::pair<quint32, qsizetype>> order;
         order.reserve(archive.found.size());
+        // The hashes are known ahead, so the slots a few keys on are fetched
+        // while this one is looked up.
+        constexpr qsizetype kAhead = 8;
         for (qsizetype i = 0; i < archive.found.size(); ++i) {
             const InterfaceTexture& texture = archive.found[i];
-            if (taken[keyPart(texture.keyHash)][a][i])
+            if (i + kAhead < archive.found.size())
+                keys_.Prefetch(archive.found[i + kAhead].keyHash);
+            if (keys_.Insert(archive.Key(texture), texture.keyHash))
                 order.append({archive.index.entries[texture.entry].offset, i});
         }
         if (!std::is_sorted(order.cbegin(), order.cend()))
@@ -458,7 +433,7 @@ void Builder::placeTextures() {
         for (const qsizetype line : std::as_const(unusable)) {
             ++unreadable_;
             const InterfaceTexture& found = archive.found[archive.toSize[line]];
-            keys_[keyPart(found.keyHash)].Remove(archive.Key(found), found.keyHash);
+            keys_.Remove(archive.Key(found), found.keyHash);
         }
     }
 }
@@ -630,8 +605,7 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
 void Builder::AddMissing(const QList<CatalogueCategory>& catalogue) {
     for (const CatalogueCategory& category : catalogue)
         for (const CatalogueEntry& entry : category.entries)
-            if (const QByteArray key = TextureKey(entry.folder + u'/' + entry.file);
-                keys_[keyPart(TextureKeyHash(key))].InsertCopy(key))
+            if (keys_.InsertCopy(TextureKey(entry.folder + u'/' + entry.file)))
                 found_.Add(entry);
 }
 
