@@ -496,6 +496,7 @@ SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetyp
     sorted.name = category.name;
     if (!format) {
         sorted.entries = work.Entries();
+        work.Clear(); // drops its strings; its room stays for the next category
         return sorted;
     }
     qsizetype room = 0;
@@ -519,6 +520,7 @@ SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetyp
     sorted.text = text.Take();
     if (sorted.text.doubtful)
         sorted.entries = work.Entries();
+    work.Clear();
     return sorted;
 }
 
