@@ -32,10 +32,11 @@ constexpr quint64 kOdd2 = 0xe7037ed1a0b428dbULL;
 
 } // namespace
 
-// Sixteen bytes at a time, the two words folded together, each with one of
-// the process's own seeds, so no name can be made to zero a product. Qt's own hash of bytes is not
-// used here: it runs in 256-bit vector registers and leaves them in a state that slows the
-// catalogue build's own loops after every call.
+// Sixteen bytes at a time, the two words folded together, each mixed with
+// something only this process knows (the hash so far starts from its seed),
+// so no name can be made to zero a product. Qt's own hash of bytes is not
+// used here: it runs in 256-bit vector registers and leaves them in a state
+// that slows the catalogue build's own loops after every call.
 size_t TextureKeyHash(QByteArrayView key) {
     static const quint64 seed = fold(QHashSeed::globalSeed() ^ kOdd1, kOdd2);
     static const quint64 seed2 = fold(seed ^ kOdd2, kOdd1);
@@ -47,7 +48,7 @@ size_t TextureKeyHash(QByteArrayView key) {
         quint64 second = 0;
         std::memcpy(&first, bytes, 8);
         std::memcpy(&second, bytes + 8, 8);
-        hash = fold(hash ^ first ^ seed, second ^ seed2);
+        hash = fold(hash ^ first, second ^ seed2);
     }
     quint64 first = 0;
     quint64 second = 0;
@@ -57,7 +58,7 @@ size_t TextureKeyHash(QByteArrayView key) {
     } else {
         std::memcpy(&first, bytes, size_t(left));
     }
-    return fold(fold(hash ^ first ^ seed, second ^ seed2), kOdd1);
+    return fold(fold(hash ^ first, second ^ seed2), kOdd1);
 }
 
 void TextureKeys::Reserve(qsizetype count) {
