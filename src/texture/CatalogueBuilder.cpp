@@ -14,8 +14,10 @@
 #include <QSemaphore>
 #include <QSet>
 #include <QThreadPool>
+#include <QtEndian>
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <numeric>
@@ -29,6 +31,9 @@ constexpr int kProgressMs = 20;
 // The textures of an archive are sized in runs of this many, so both cores
 // stay busy when one archive holds nearly all of them.
 constexpr qsizetype kSizingRun = 1024;
+// How many textures ahead a category's gathering asks for the memory it
+// will read.
+constexpr qsizetype kFetchAhead = 8;
 
 // Name order without regard to letter case, then by the exact text. Where
 // the names first differ in plain ASCII, the letters are folded here; a
@@ -52,55 +57,141 @@ bool lessByName(const QString& a, const QString& b) {
     return a.size() != b.size() ? a.size() < b.size() : a < b;
 }
 
-// The first 16 characters of a name folded to lower case, as two numbers
-// that compare as the characters do; `plain` is false when one of them is
-// not plain ASCII (or a NUL, which the padding of a shorter name uses).
-struct NamePrefix {
-    quint64 high = 0;
-    quint64 low = 0;
-    bool plain = true;
-    qsizetype index = 0; // of the entry in its list
+// Name order for two names in plain ASCII, as lessByName orders them.
+bool lessByAsciiName(QByteArrayView a, QByteArrayView b) {
+    const qsizetype n = qMin(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        const uchar p = uchar(a[i]);
+        const uchar q = uchar(b[i]);
+        if (p != q && FoldAscii(p) != FoldAscii(q))
+            return FoldAscii(p) < FoldAscii(q);
+    }
+    return a.size() != b.size() ? a.size() < b.size() : a < b;
+}
+
+// A texture of a category: a name in plain ASCII from an archive as the
+// archive's bytes, any other texture as strings.
+struct SortItem {
+    const char* name = nullptr; // the plain name's bytes; null for strings
+    quint32 nameBytes = 0;
+    // The place of a plain name's folder, or of the strings, in the
+    // category's lists.
+    quint32 at = 0;
+    int width = 0;
+    int height = 0;
 };
 
-NamePrefix namePrefix(const QString& name, qsizetype index) {
-    NamePrefix prefix;
-    prefix.index = index;
+// What a texture is sorted by: the first 16 characters of its name folded
+// to lower case, as two numbers that compare as the characters do (`plain`
+// is false when one of them is not plain ASCII, or a NUL, which the padding
+// of a shorter name uses). Most names differ within them.
+struct SortKey {
+    quint64 high = 0;
+    quint64 low = 0;
+    quint32 item = 0;
+    bool plain = true;
+};
+
+SortKey sortKey(const QString& name, quint32 item) {
+    SortKey key;
+    key.item = item;
     const qsizetype length = qMin<qsizetype>(name.size(), 16);
     for (qsizetype i = 0; i < 16; ++i) {
         const char16_t c = i < length ? FoldAscii(name[i].unicode()) : 0;
         if (i < length && (c == 0 || c >= 0x80)) {
-            prefix.plain = false;
-            return prefix;
+            key.plain = false;
+            return key;
         }
-        quint64& half = i < 8 ? prefix.high : prefix.low;
+        quint64& half = i < 8 ? key.high : key.low;
         half = half << 8 | c;
     }
-    return prefix;
+    return key;
 }
 
-// Sorts the textures by name as lessByName orders them, textures of the same
-// name by folder and file. Most names differ within their first 16
-// characters, so those are compared as numbers first.
-void sortByName(QList<CatalogueEntry>& entries) {
-    QList<NamePrefix> order;
-    order.reserve(entries.size());
-    for (qsizetype i = 0; i < entries.size(); ++i)
-        order.append(namePrefix(entries[i].name, i));
-    std::sort(order.begin(), order.end(), [&entries](const NamePrefix& a, const NamePrefix& b) {
-        if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
-            return a.high != b.high ? a.high < b.high : a.low < b.low;
-        const CatalogueEntry& x = entries[a.index];
-        const CatalogueEntry& y = entries[b.index];
+// Eight bytes of plain ASCII folded to lower case, the first byte highest.
+quint64 foldedWord(const char* bytes) {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, 8);
+    return qFromBigEndian(FoldAsciiWord(word));
+}
+
+// The same key for a name of plain ASCII without NULs, as the archives'
+// plain names are.
+SortKey sortKey(QByteArrayView name, quint32 item) {
+    char padded[16] = {};
+    std::memcpy(padded, name.data(), size_t(qMin<qsizetype>(name.size(), 16)));
+    SortKey key;
+    key.item = item;
+    key.high = foldedWord(padded);
+    key.low = foldedWord(padded + 8);
+    return key;
+}
+
+// A category's textures while they are sorted and put into text. Each pool
+// thread keeps one, so the lists' room is used again from category to
+// category.
+struct CategoryWork {
+    QList<SortItem> items;
+    QList<SortKey> keys;
+    QList<CatalogueEntry> strings;
+    // The folder of each place a plain name comes from, and its bytes.
+    QList<const QString*> folders;
+    QList<QByteArrayView> folderBytes;
+
+    void Clear() {
+        items.resize(0);
+        keys.resize(0);
+        strings.resize(0);
+        folders.resize(0);
+        folderBytes.resize(0);
+    }
+    CatalogueEntry Entry(quint32 i) const {
+        const SortItem& item = items[i];
+        if (item.name == nullptr)
+            return strings[item.at];
+        const QString name = QString::fromLatin1(item.name, item.nameBytes);
+        return {name, item.width, item.height, *folders[item.at], name};
+    }
+    // The textures in sorted order, as strings.
+    QList<CatalogueEntry> Entries() const {
+        QList<CatalogueEntry> entries;
+        entries.reserve(keys.size());
+        for (const SortKey& key : keys)
+            entries.append(Entry(key.item));
+        return entries;
+    }
+    // Name order where the first 16 characters do not tell: by the whole
+    // name as lessByName orders them, then by folder and file. Kept out of
+    // the sort's loop, which mostly compares the numbers alone.
+    Q_NEVER_INLINE bool Less(quint32 i, quint32 j) const {
+        const SortItem& a = items[i];
+        const SortItem& b = items[j];
+        if (a.name != nullptr && b.name != nullptr) {
+            const QByteArrayView x(a.name, a.nameBytes);
+            const QByteArrayView y(b.name, b.nameBytes);
+            if (x != y)
+                return lessByAsciiName(x, y);
+            // A plain name is its file's: the folders tell them apart.
+            return folderBytes[a.at] < folderBytes[b.at];
+        }
+        const CatalogueEntry x = Entry(i);
+        const CatalogueEntry y = Entry(j);
         if (x.name != y.name)
             return lessByName(x.name, y.name);
         return x.folder != y.folder ? x.folder < y.folder : x.file < y.file;
-    });
-    QList<CatalogueEntry> sorted;
-    sorted.reserve(entries.size());
-    for (const NamePrefix& prefix : std::as_const(order))
-        sorted.append(std::move(entries[prefix.index]));
-    entries = std::move(sorted);
-}
+    }
+};
+
+thread_local CategoryWork categoryWork;
+
+// A category as it is written: its text, and its textures as strings only
+// when the text cannot be written as it is (its textures past the
+// catalogue's counts, or text the catalogue may not hold).
+struct SortedCategory {
+    QString name;
+    CatalogueCategoryText text;
+    QList<CatalogueEntry> entries;
+};
 
 // "texture_library/GUI/Icons" gives "GUI/Icons"; a folder elsewhere keeps
 // its whole path.
@@ -174,7 +265,7 @@ private:
     void placeTextures();
     qsizetype categoryOf(const QString& folder);
     qsizetype placedCount(qsizetype c) const;
-    void gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const;
+    SortedCategory sortCategory(const CatalogueCategory& category, qsizetype c, bool format) const;
 
     BusyHost& host_;
     std::atomic<bool> cancel_ = false;
@@ -193,11 +284,14 @@ private:
     // catalogue entries may not name it.
     QHash<QString, qsizetype> folders_;
     CategorySet found_;
-    // The sized textures of each category, as places in archives_, waiting
-    // to be moved into it.
+    // The sized textures of each category, as places in archives_: the
+    // lines (in that archive's `sized`) of one folder of a sizing run.
     struct Place {
         qsizetype archive;
-        const QList<qsizetype>* lines; // in that archive's `sized`
+        const qsizetype* lines;
+        qsizetype count;
+        const QString* folder;
+        QByteArrayView folderBytes; // when plain ASCII
     };
     QList<QList<Place>> placed_;
     int placedCount_ = 0;
@@ -255,8 +349,13 @@ bool Builder::findTextures() {
         // directory is mostly in that order already.
         QList<std::pair<quint32, qsizetype>> order;
         order.reserve(archive.found.size());
+        // The hashes are known ahead, so the slots a few keys on are fetched
+        // while this one is looked up.
+        constexpr qsizetype kAhead = 8;
         for (qsizetype i = 0; i < archive.found.size(); ++i) {
             const InterfaceTexture& texture = archive.found[i];
+            if (i + kAhead < archive.found.size())
+                keys_.Prefetch(archive.found[i + kAhead].keyHash);
             if (keys_.Insert(archive.Key(texture), texture.keyHash))
                 order.append({archive.index.entries[texture.entry].offset, i});
         }
@@ -283,7 +382,7 @@ bool Builder::readSizes() {
     done_ = 0;
     // Each run fills its own lines of its archive's `sized`.
     SizingRun* runs = runs_.data();
-    QList<CatalogueEntry*> lines;
+    QList<SizedTexture*> lines;
     for (ArchiveTextures& archive : archives_)
         lines.append(archive.sized.data());
     const ArchiveTextures* archives = archives_.constData();
@@ -319,13 +418,17 @@ void Builder::placeTextures() {
         for (qsizetype f = 0; f < run.sized.folders.size(); ++f) {
             const qsizetype category = categoryOf(run.sized.folders[f]);
             if (category < 0) {
-                unusable += run.sized.lines[f];
+                unusable.append(
+                    QList<qsizetype>(run.sized.FolderLines(f),
+                                     run.sized.FolderLines(f) + run.sized.FolderLineCount(f)));
                 continue;
             }
             if (category >= placed_.size())
                 placed_.resize(category + 1);
-            placed_[category].append({run.archive, &run.sized.lines[f]});
-            placedCount_ += int(run.sized.lines[f].size());
+            placed_[category].append({run.archive, run.sized.FolderLines(f),
+                                      run.sized.FolderLineCount(f), &run.sized.folders[f],
+                                      run.sized.plainFolders[f]});
+            placedCount_ += int(run.sized.FolderLineCount(f));
         }
         for (const qsizetype line : std::as_const(unusable)) {
             ++unreadable_;
@@ -335,20 +438,96 @@ void Builder::placeTextures() {
     }
 }
 
-// Gathers the textures of category `c` into it and sorts them.
-void Builder::gather(CatalogueCategory& category, qsizetype c, CatalogueEntry* const* lines) const {
-    QList<CatalogueEntry>& entries = category.entries;
-    entries.reserve(entries.size() + placedCount(c));
-    for (const Place& place : placed_.at(c))
-        for (const qsizetype line : *place.lines)
-            entries.append(std::move(lines[place.archive][line]));
-    sortByName(entries);
+// Gathers the textures of category `c` (those of `category`, then the sized
+// ones placed in it), sorts them and, when `format`, puts them into text,
+// leaving names in plain ASCII as the archives' bytes throughout.
+SortedCategory Builder::sortCategory(const CatalogueCategory& category, qsizetype c,
+                                     bool format) const {
+    CategoryWork& work = categoryWork;
+    work.Clear();
+    const QList<Place>& places = placed_.at(c);
+    const qsizetype count = category.entries.size() + placedCount(c);
+    work.items.reserve(count);
+    work.keys.reserve(count);
+    for (const CatalogueEntry& entry : category.entries) {
+        work.keys.append(sortKey(entry.name, quint32(work.items.size())));
+        work.items.append({nullptr, 0, quint32(work.strings.size()), 0, 0});
+        work.strings.append(entry);
+    }
+    for (const Place& place : places) {
+        const ArchiveTextures& archive = archives_[place.archive];
+        const quint32 at = quint32(work.folders.size());
+        work.folders.append(place.folder);
+        work.folderBytes.append(place.folderBytes);
+        // A category's textures lie scattered through their archives, so
+        // each line, and then its name, is fetched a few textures ahead.
+        const qsizetype* lines = place.lines;
+        const SizedTexture* allSized = archive.sized.constData();
+        const char* names = archive.index.names.constData();
+        for (qsizetype i = 0; i < place.count; ++i) {
+            if (i + 2 * kFetchAhead < place.count)
+                __builtin_prefetch(allSized + lines[i + 2 * kFetchAhead]);
+            if (i + kFetchAhead < place.count)
+                __builtin_prefetch(names + allSized[lines[i + kFetchAhead]].fileAt);
+            const qsizetype line = lines[i];
+            const SizedTexture& sized = allSized[line];
+            const quint32 item = quint32(work.items.size());
+            if (sized.fileBytes != 0) {
+                const QByteArrayView file = archive.PlainFile(sized);
+                work.keys.append(sortKey(file, item));
+                work.items.append(
+                    {file.data(), quint32(file.size()), at, sized.width, sized.height});
+            } else {
+                const QString file = archive.DecodedFile(line);
+                work.keys.append(sortKey(file, item));
+                work.items.append(
+                    {nullptr, 0, quint32(work.strings.size()), sized.width, sized.height});
+                work.strings.append({file, sized.width, sized.height, *place.folder, file});
+            }
+        }
+    }
+    std::sort(work.keys.begin(), work.keys.end(), [&work](const SortKey& a, const SortKey& b) {
+        if (a.plain && b.plain && (a.high != b.high || a.low != b.low))
+            return a.high != b.high ? a.high < b.high : a.low < b.low;
+        return work.Less(a.item, b.item);
+    });
+
+    SortedCategory sorted;
+    sorted.name = category.name;
+    if (!format) {
+        sorted.entries = work.Entries();
+        work.Clear(); // drops its strings; its room stays for the next category
+        return sorted;
+    }
+    qsizetype room = 0;
+    for (const SortItem& item : std::as_const(work.items)) {
+        if (item.name != nullptr) {
+            room += 2 * item.nameBytes + work.folderBytes[item.at].size() + 64;
+        } else {
+            const CatalogueEntry& entry = work.strings[item.at];
+            room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 64;
+        }
+    }
+    CatalogueCategoryFormatter text(category.name, work.keys.size(), room);
+    for (const SortKey& key : std::as_const(work.keys)) {
+        const SortItem& item = work.items[key.item];
+        if (item.name != nullptr)
+            text.AddPlain(QByteArrayView(item.name, item.nameBytes), item.width, item.height,
+                          work.folderBytes[item.at]);
+        else
+            text.Add(work.strings[item.at]);
+    }
+    sorted.text = text.Take();
+    if (sorted.text.doubtful)
+        sorted.entries = work.Entries();
+    work.Clear();
+    return sorted;
 }
 
 qsizetype Builder::placedCount(qsizetype c) const {
     qsizetype count = 0;
     for (const Place& place : placed_.at(c))
-        count += place.lines->size();
+        count += place.count;
     return count;
 }
 
@@ -369,22 +548,14 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
     for (qsizetype c = 0; c < list.size(); ++c)
         fits = fits && list[c].entries.size() + placedCount(c) <= kMaxCatalogueCount;
 
-    QList<CatalogueEntry*> lines;
-    for (ArchiveTextures& archive : archives_)
-        lines.append(archive.sized.data());
-    QList<CatalogueCategory> sorted(list.size());
-    const auto texts = std::make_shared<QList<CatalogueCategoryText>>(list.size());
+    QList<SortedCategory> sorted(list.size());
     const std::shared_ptr<QSemaphore[]> made(new QSemaphore[size_t(list.size())]);
     for (qsizetype k = 0; k < list.size(); ++k) {
-        QThreadPool::globalInstance()->start([this, k, c = order[k], fits, texts, made,
-                                              out = sorted.data(), in = list.data(),
-                                              from = lines.constData()] {
-            out[k] = std::move(in[c]);
-            gather(out[k], c, from);
-            if (fits)
-                (*texts)[k] = FormatCatalogueCategory(out[k]);
-            made[k].release();
-        });
+        QThreadPool::globalInstance()->start(
+            [this, k, c = order[k], fits, made, out = sorted.data(), in = list.constData()] {
+                out[k] = sortCategory(in[c], c, fits);
+                made[k].release();
+            });
     }
     // Outside the busy state: only waits, letting no window events run. The
     // tasks use the lists above, so every way out waits for all of them.
@@ -398,24 +569,38 @@ QString Builder::SortAndWrite(const QString& fileName, qsizetype& written, int& 
                 Next();
         }
     } wait{made, sorted.size()};
+    // The categories as strings. A category whose text is not doubtful holds
+    // nothing the catalogue cannot, so its textures are not needed to find
+    // what is wrong with the others.
+    const auto asStrings = [&sorted] {
+        QList<CatalogueCategory> categories;
+        categories.reserve(sorted.size());
+        for (SortedCategory& category : sorted)
+            categories.append({category.name, std::move(category.entries)});
+        return categories;
+    };
     QString error;
     if (fits) {
         CatalogueFileWriter writer(fileName, sorted.size());
         while (wait.next < wait.count) {
             const qsizetype k = wait.next;
             wait.Next(); // category k is sorted and in text
-            writer.Append((*texts)[k]);
+            writer.Append(sorted[k].text);
+            // Its room is used again for the texts still being made.
+            sorted[k].text.text = QByteArray();
         }
-        error = writer.Finish(sorted);
+        error = writer.Finish(sorted.size(), asStrings);
         dropped = 0;
+        written = sorted.size();
     } else {
         while (wait.next < wait.count)
             wait.Next();
-        dropped = FitCatalogueCounts(sorted);
-        error = WriteCatalogue(fileName, sorted);
+        QList<CatalogueCategory> categories = asStrings();
+        dropped = FitCatalogueCounts(categories);
+        error = WriteCatalogue(fileName, categories);
+        written = categories.size();
     }
-    written = sorted.size();
-    releaseLater(std::move(sorted), std::move(*texts));
+    releaseLater(std::move(sorted));
     return error;
 }
 

@@ -4,34 +4,51 @@
 #include "app/PathUtils.h"
 
 #include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QThreadPool>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <unistd.h>
 
 namespace {
 
-// Fills the catalogue's text straight into a buffer made big enough
-// beforehand: the catalogue build writes tens of thousands of lines, and a
-// call per field would cost more than the file's write.
+// Fills the catalogue's text straight into a buffer, grown only when a
+// texture's line might not fit: the catalogue build writes tens of thousands
+// of lines, and a call per field would cost more than the file's write.
 class CatalogueText {
 public:
-    explicit CatalogueText(qsizetype capacity) : bytes_(capacity, Qt::Uninitialized) {
+    explicit CatalogueText(qsizetype capacity)
+        : bytes_(qMax<qsizetype>(capacity, 64), Qt::Uninitialized) {
         out_ = bytes_.data();
+        end_ = out_ + bytes_.size();
     }
 
+    // Makes room for `bytes` more bytes.
+    void Room(qsizetype bytes) {
+        if (end_ - out_ >= bytes)
+            return;
+        const qsizetype used = out_ - bytes_.constData();
+        bytes_.resize(qMax(2 * bytes_.size(), used + bytes));
+        out_ = bytes_.data() + used;
+        end_ = bytes_.constData() + bytes_.size();
+    }
     // The text in double quotes, as UTF-8. Marks the text as doubtful when it
     // holds a double quote or a line end (which the catalogue cannot hold).
+    // Needs room for three bytes a character and its quotes.
     void Quoted(const QString& text) {
         *out_++ = '"';
         if (text.constData() == sharedData_ && text.size() == sharedSize_) {
             // The string of the previous folder again, as a category's
             // textures share their folder's: its bytes are copied.
-            std::memcpy(out_, shared_, sharedBytes_);
+            std::memcpy(out_, bytes_.constData() + sharedAt_, sharedBytes_);
             out_ += sharedBytes_;
             *out_++ = '"';
             return;
         }
-        const char16_t* in = reinterpret_cast<const char16_t*>(text.constData());
+        const char16_t* __restrict in = reinterpret_cast<const char16_t*>(text.constData());
+        char* __restrict out = out_;
         const qsizetype size = text.size();
         // Written without branches, so the compiler turns the loop into
         // vector instructions: `any` gathers every bit of every character,
@@ -42,7 +59,7 @@ public:
             const unsigned c = in[i];
             any |= c;
             special |= (((c ^ 0x22u) - 1u) | ((c ^ 0x0Du) - 1u) | ((c ^ 0x0Au) - 1u)) >> 31;
-            out_[i] = char(c);
+            out[i] = char(c);
         }
         qsizetype written = size;
         if (any >= 0x80) {
@@ -56,19 +73,31 @@ public:
     }
     // Quoted() for a string that may come again and again.
     void QuotedShared(const QString& text) {
-        char* start = out_ + 1;
+        const qsizetype start = out_ + 1 - bytes_.constData();
         Quoted(text);
-        shared_ = start;
-        sharedBytes_ = out_ - 1 - start;
+        sharedAt_ = start;
+        sharedBytes_ = out_ - 1 - bytes_.constData() - start;
         sharedData_ = text.constData();
         sharedSize_ = text.size();
     }
+    // Quoted() for UTF-8 known to hold no double quote or line end.
+    void QuotedPlain(QByteArrayView utf8) {
+        Q_ASSERT(!utf8.contains('"') && !utf8.contains('\r') && !utf8.contains('\n'));
+        char* out = out_;
+        *out++ = '"';
+        std::memcpy(out, utf8.data(), size_t(utf8.size()));
+        out += utf8.size();
+        *out++ = '"';
+        out_ = out;
+    }
     void Number(qsizetype value) { out_ = std::to_chars(out_, out_ + 24, value).ptr; }
+    void Number(int value) { out_ = std::to_chars(out_, out_ + 12, value).ptr; }
     void Char(char c) { *out_++ = c; }
     void LineEnd() {
         *out_++ = '\r';
         *out_++ = '\n';
     }
+    void MarkDoubtful() { doubtful_ = true; }
     bool Doubtful() const { return doubtful_; }
     QByteArray Take() {
         bytes_.truncate(out_ - bytes_.constData());
@@ -78,12 +107,16 @@ public:
 private:
     QByteArray bytes_;
     char* out_ = nullptr;
+    const char* end_ = nullptr;
     bool doubtful_ = false;
-    const char* shared_ = nullptr;
+    qsizetype sharedAt_ = 0; // in bytes_
     qsizetype sharedBytes_ = 0;
     const QChar* sharedData_ = nullptr;
     qsizetype sharedSize_ = 0;
 };
+
+// The most bytes a number takes (a 64-bit one, with its sign).
+constexpr qsizetype kNumberBytes = 24;
 
 bool isSize(int value) {
     return value >= 1 && value <= kMaxCatalogueCount;
@@ -121,39 +154,85 @@ bool IsCatalogueText(const QString& text) {
     return !text.contains(u'"') && !text.contains(u'\r') && !text.contains(u'\n');
 }
 
+struct CatalogueCategoryFormatter::State {
+    explicit State(qsizetype room) : text(room) {}
+    CatalogueText text;
+};
+
+CatalogueCategoryFormatter::CatalogueCategoryFormatter(const QString& name, qsizetype count,
+                                                       qsizetype room)
+    : state_(std::make_unique<State>(3 * name.size() + 2 * kNumberBytes + room)) {
+    CatalogueText& text = state_->text;
+    if (count > kMaxCatalogueCount)
+        text.MarkDoubtful();
+    text.Quoted(name);
+    text.Char(',');
+    text.Number(count);
+    text.LineEnd();
+}
+
+CatalogueCategoryFormatter::~CatalogueCategoryFormatter() = default;
+
+void CatalogueCategoryFormatter::Add(const CatalogueEntry& entry) {
+    CatalogueText& text = state_->text;
+    text.Room(3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 2 * kNumberBytes +
+              12);
+    if (!isSize(entry.width) || !isSize(entry.height))
+        text.MarkDoubtful();
+    text.Quoted(entry.name);
+    text.Char(',');
+    text.Number(entry.width);
+    text.Char(',');
+    text.Number(entry.height);
+    text.Char(',');
+    text.QuotedShared(entry.folder);
+    text.Char(',');
+    text.Quoted(entry.file);
+    text.LineEnd();
+}
+
+void CatalogueCategoryFormatter::AddPlain(QByteArrayView file, int width, int height,
+                                          QByteArrayView folder) {
+    CatalogueText& text = state_->text;
+    text.Room(2 * file.size() + folder.size() + 2 * kNumberBytes + 12);
+    if (!isSize(width) || !isSize(height))
+        text.MarkDoubtful();
+    text.QuotedPlain(file);
+    text.Char(',');
+    text.Number(width);
+    text.Char(',');
+    text.Number(height);
+    text.Char(',');
+    text.QuotedPlain(folder);
+    text.Char(',');
+    text.QuotedPlain(file);
+    text.LineEnd();
+}
+
+CatalogueCategoryText CatalogueCategoryFormatter::Take() {
+    const bool doubtful = state_->text.Doubtful();
+    return {state_->text.Take(), doubtful};
+}
+
 CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category) {
     // Room for the longest text the category can make: every character
     // three bytes of UTF-8, every number as long as it can be.
-    qsizetype room = 3 * category.name.size() + 32;
+    qsizetype room = 0;
     for (const CatalogueEntry& entry : category.entries)
-        room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 64;
-    CatalogueText text(room);
-    bool doubtful = category.entries.size() > kMaxCatalogueCount;
-    text.Quoted(category.name);
-    text.Char(',');
-    text.Number(category.entries.size());
-    text.LineEnd();
-    for (const CatalogueEntry& entry : category.entries) {
-        doubtful |= !isSize(entry.width) || !isSize(entry.height);
-        text.Quoted(entry.name);
-        text.Char(',');
-        text.Number(entry.width);
-        text.Char(',');
-        text.Number(entry.height);
-        text.Char(',');
-        text.QuotedShared(entry.folder);
-        text.Char(',');
-        text.Quoted(entry.file);
-        text.LineEnd();
-    }
-    doubtful |= text.Doubtful();
-    return {text.Take(), doubtful};
+        room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) +
+                2 * kNumberBytes + 12;
+    CatalogueCategoryFormatter text(category.name, category.entries.size(), room);
+    for (const CatalogueEntry& entry : category.entries)
+        text.Add(entry);
+    return text.Take();
 }
 
 namespace {
 
 // The disk is started on the file each time this much more has been written.
 constexpr qint64 kFlushStep = 512 * 1024;
+// The random part of a second name, as the temporaries' names have it.
+constexpr char kNameLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 } // namespace
 
@@ -166,6 +245,37 @@ struct CatalogueFileWriter::State {
     int failure = 0; // errno of the first failed step
     qint64 written = 0;
     qint64 flushed = 0; // the disk has been started on the bytes before this
+
+    // A second name of the catalogue being replaced, made while the new one
+    // is written: the rename then only drops one of its names, and freeing
+    // its blocks (a good part of a millisecond for a large catalogue) is
+    // left to the last name's removal, after the new catalogue is in place.
+    QByteArray retired;
+
+    void retireOld() {
+        const QByteArray target = QFile::encodeName(fileName);
+        for (int attempt = 0; attempt < 4 && retired.isEmpty(); ++attempt) {
+            QByteArray name = target + kTemporaryMarker;
+            for (int i = 0; i < 6; ++i)
+                name +=
+                    kNameLetters[QRandomGenerator::global()->bounded(int(sizeof kNameLetters) - 1)];
+            if (::link(target.constData(), name.constData()) == 0)
+                retired = name;
+            else if (errno != EEXIST)
+                break; // no old catalogue, or a file system without links
+        }
+    }
+    // Removes the second name: in the background once the new catalogue is
+    // in place, at once when the old one stays.
+    void releaseOld(bool replaced) {
+        if (retired.isEmpty())
+            return;
+        if (replaced)
+            QThreadPool::globalInstance()->start([name = retired] { ::unlink(name.constData()); });
+        else
+            ::unlink(retired.constData());
+        retired.clear();
+    }
 
     void write(const QByteArray& bytes) {
         if (failure != 0)
@@ -193,12 +303,15 @@ CatalogueFileWriter::CatalogueFileWriter(const QString& fileName, qsizetype coun
     s.record = OpenReplacingFileRecord(fileName);
     if (s.record.Handle == -1)
         s.failure = errno != 0 ? errno : EACCES; // a read-only catalogue is refused as such
+    else
+        s.retireOld();
     s.write(QByteArray::number(count) + "\r\n");
 }
 
 CatalogueFileWriter::~CatalogueFileWriter() {
     if (state_->record.Handle != -1)
         DiscardFileRecord(state_->record);
+    state_->releaseOld(false);
 }
 
 void CatalogueFileWriter::Append(const CatalogueCategoryText& text) {
@@ -208,13 +321,18 @@ void CatalogueFileWriter::Append(const CatalogueCategoryText& text) {
 }
 
 QString CatalogueFileWriter::Finish(const QList<CatalogueCategory>& categories) {
+    return Finish(categories.size(), [&categories] { return categories; });
+}
+
+QString CatalogueFileWriter::Finish(qsizetype count,
+                                    const std::function<QList<CatalogueCategory>()>& categories) {
     State& s = *state_;
     QString message;
-    if (s.appended != s.count || categories.size() != s.count) {
+    if (s.appended != s.count || count != s.count) {
         message = QStringLiteral("The texture catalogue \"%1\" was not written: its text is not "
                                  "whole.")
                       .arg(s.fileName);
-    } else if (const QString problem = s.doubtful ? problemWith(categories) : QString();
+    } else if (const QString problem = s.doubtful ? problemWith(categories()) : QString();
                !problem.isEmpty()) {
         // What might be wrong is looked for again, in order, for its message.
         message = QStringLiteral("The texture catalogue \"%1\" was not written: %2")
@@ -227,6 +345,7 @@ QString CatalogueFileWriter::Finish(const QList<CatalogueCategory>& categories) 
     }
     if (s.record.Handle != -1)
         DiscardFileRecord(s.record);
+    s.releaseOld(message.isEmpty());
     return message;
 }
 

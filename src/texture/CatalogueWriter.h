@@ -3,8 +3,10 @@
 #include "texture/Catalogue.h"
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
+#include <functional>
 #include <memory>
 
 // Writing "kelvaris.csv" in the form the catalogue reader reads: a line with
@@ -36,6 +38,31 @@ struct CatalogueCategoryText {
 };
 CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category);
 
+// The same text made a texture at a time, for textures held in another form
+// than CatalogueEntry (the catalogue build keeps most names as the archives'
+// bytes).
+class CatalogueCategoryFormatter {
+public:
+    // The category's line, for `count` textures to follow; `room` is about
+    // the bytes their lines take (more is made when it runs out).
+    CatalogueCategoryFormatter(const QString& name, qsizetype count, qsizetype room);
+    ~CatalogueCategoryFormatter();
+    CatalogueCategoryFormatter(const CatalogueCategoryFormatter&) = delete;
+    CatalogueCategoryFormatter& operator=(const CatalogueCategoryFormatter&) = delete;
+
+    void Add(const CatalogueEntry& entry);
+    // A texture whose file name, in UTF-8, is also its name; its folder is
+    // UTF-8 too. Neither may hold a double quote or a line end: the caller
+    // has checked them (IsCatalogueText), so they are copied unlooked at.
+    void AddPlain(QByteArrayView file, int width, int height, QByteArrayView folder);
+    // The text, and whether it may hold something the catalogue cannot.
+    CatalogueCategoryText Take();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
 // The write itself, a category at a time as the texts are made (on other
 // threads): the file is written, and the disk started on it, while the rest
 // are still being made. The old catalogue stays until Finish has found every
@@ -53,6 +80,9 @@ public:
     // Puts the file in place; "" when it is, else the message WriteCatalogue
     // gives. `categories` are the ones the texts were made of.
     QString Finish(const QList<CatalogueCategory>& categories);
+    // The same for `count` categories, made by `categories` only when a text
+    // may hold something the catalogue cannot, to find it for the message.
+    QString Finish(qsizetype count, const std::function<QList<CatalogueCategory>()>& categories);
 
 private:
     struct State;

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QHash>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -25,16 +26,6 @@ bool isAscii(QByteArrayView bytes) {
     return any < 0x80;
 }
 
-// Whether two runs of ASCII are equal without regard to letter case.
-bool equalsNoCase(QByteArrayView text, QByteArrayView ascii) {
-    if (text.size() != ascii.size())
-        return false;
-    for (qsizetype i = 0; i < text.size(); ++i)
-        if (FoldAscii(uchar(text[i])) != FoldAscii(uchar(ascii[i])))
-            return false;
-    return true;
-}
-
 // The same test for a name that is not plain ASCII, left to Qt's case folding.
 bool isInterfaceTexture(const QString& name) {
     const QString prefix = QString::fromLatin1(kGuiPrefix);
@@ -44,11 +35,33 @@ bool isInterfaceTexture(const QString& name) {
            QStringView(name).last(suffix.size()).compare(suffix, Qt::CaseInsensitive) == 0;
 }
 
-// A plain ASCII name: the same test on its bytes.
+quint64 wordAt(const char* bytes) {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, 8);
+    return word;
+}
+
+// A plain ASCII name: the same test on its bytes, eight at a time.
 bool isInterfaceTexture(QByteArrayView name) {
-    return name.size() >= kGuiPrefix.size() + kTextureSuffix.size() &&
-           equalsNoCase(name.first(kGuiPrefix.size()), kGuiPrefix) &&
-           equalsNoCase(name.last(kTextureSuffix.size()), kTextureSuffix);
+    static_assert(kGuiPrefix.size() == 20 && kTextureSuffix.size() == 8);
+    if (name.size() < kGuiPrefix.size() + kTextureSuffix.size())
+        return false;
+    static const quint64 prefix[3] = {FoldAsciiWord(wordAt("texture_")),
+                                      FoldAsciiWord(wordAt("library/")),
+                                      FoldAsciiWord(wordAt("GUI/\0\0\0\0"))};
+    static const quint64 suffix = FoldAsciiWord(wordAt(".texture"));
+    const char* bytes = name.data();
+    quint32 last = 0;
+    std::memcpy(&last, bytes + 16, 4);
+    return FoldAsciiWord(wordAt(bytes)) == prefix[0] &&
+           FoldAsciiWord(wordAt(bytes + 8)) == prefix[1] && FoldAsciiWord(last) == prefix[2] &&
+           FoldAsciiWord(wordAt(bytes + name.size() - 8)) == suffix;
+}
+
+// Where the name's last '/' is, or -1.
+qsizetype lastSlash(QByteArrayView name) {
+    const void* at = memrchr(name.data(), '/', size_t(name.size()));
+    return at == nullptr ? -1 : static_cast<const char*>(at) - name.data();
 }
 
 // A plain ASCII file name the catalogue may hold, as IsSafeCatalogueFile
@@ -57,47 +70,68 @@ bool isInterfaceTexture(QByteArrayView name) {
 bool isCatalogueFile(QByteArrayView file) {
     if (file.isEmpty() || file == "." || file == ".." || (file.size() >= 2 && file[1] == ':'))
         return false;
-    for (const char c : file)
-        if (uchar(c) < 0x20 || c == 0x7F || c == '/' || c == '\\' || c == '"')
-            return false;
-    return true;
+    // Without branches, so the compiler turns the loop into vector
+    // instructions.
+    unsigned bad = 0;
+    for (const char c : file) {
+        const unsigned u = uchar(c);
+        bad |= unsigned(u < 0x20) | unsigned(u == 0x7F) | unsigned(u == '/') | unsigned(u == '\\') |
+               unsigned(u == '"');
+    }
+    return bad == 0;
 }
 
 // Groups a run's usable textures by folder. An archive holds a few folders
 // for many textures, so each folder's string is made once and shared by its
 // textures, and the folders are listed in the order of their first texture.
+// The lines are noted as they come and put in their folders' order by
+// Finish, into one list made to size.
 class FolderGroups {
 public:
-    explicit FolderGroups(SizedTextures& run) : run_(run) {}
+    FolderGroups(SizedTextures& run, qsizetype lines) : run_(run) { noted_.reserve(lines); }
+    FolderGroups(const FolderGroups&) = delete;
+    FolderGroups& operator=(const FolderGroups&) = delete;
 
-    // The folder's string; the texture at `line` is counted in it.
-    const QString& Add(QByteArrayView folder, qsizetype line) {
-        if (folder != last_) {
+    // Puts the lines noted into their folders.
+    void Finish() {
+        QList<qsizetype>& starts = run_.folderStarts;
+        starts.fill(0, run_.folders.size() + 1);
+        for (const auto& [line, folder] : std::as_const(noted_))
+            ++starts[folder + 1];
+        for (qsizetype f = 0; f < run_.folders.size(); ++f)
+            starts[f + 1] += starts[f];
+        QList<qsizetype> next(starts.cbegin(), starts.cend() - 1);
+        run_.lines.resize(noted_.size());
+        for (const auto& [line, folder] : std::as_const(noted_))
+            run_.lines[next[folder]++] = line;
+    }
+
+    // Counts the texture at `line` in its folder.
+    void Add(QByteArrayView folder, qsizetype line) {
+        if (folder.size() != last_.size() ||
+            std::memcmp(folder.data(), last_.data(), size_t(folder.size())) != 0) {
             last_ = folder;
             current_ = places_.value(ByteKey{folder}, -1);
             if (current_ < 0)
-                places_.insert(ByteKey{folder}, current_ = append(QString::fromLatin1(folder)));
+                places_.insert(ByteKey{folder},
+                               current_ = append(QString::fromLatin1(folder), folder));
         }
-        return added(line);
+        noted_.append({line, current_});
     }
     // The same for a folder whose name is not plain ASCII.
-    const QString& Add(const QString& folder, qsizetype line) {
+    void Add(const QString& folder, qsizetype line) {
         last_ = {};
         current_ = decodedPlaces_.value(folder, -1);
         if (current_ < 0)
-            decodedPlaces_.insert(folder, current_ = append(folder));
-        return added(line);
+            decodedPlaces_.insert(folder, current_ = append(folder, {}));
+        noted_.append({line, current_});
     }
 
 private:
-    qsizetype append(const QString& folder) {
+    qsizetype append(const QString& folder, QByteArrayView plain) {
         run_.folders.append(folder);
-        run_.lines.append(QList<qsizetype>());
+        run_.plainFolders.append(plain);
         return run_.folders.size() - 1;
-    }
-    const QString& added(qsizetype line) {
-        run_.lines[current_].append(line);
-        return run_.folders[current_];
     }
 
     SizedTextures& run_;
@@ -105,34 +139,35 @@ private:
     qsizetype current_ = -1;
     QHash<ByteKey, qsizetype> places_;
     QHash<QString, qsizetype> decodedPlaces_;
+    QList<std::pair<qsizetype, qsizetype>> noted_; // line and folder
 };
 
 // Fills in the catalogue line `line` (of the found texture `place`), of the
-// given size, unless the catalogue cannot hold its file name. The line is
-// filled where it lies, so its strings are shared without being copied about.
+// given size, unless the catalogue cannot hold its file name. A plain ASCII
+// name stays in the archive's name table until the catalogue is written.
 bool describe(const ArchiveTextures& archive, qsizetype place, int width, int height,
-              FolderGroups& folders, qsizetype line, CatalogueEntry& entry) {
+              FolderGroups& folders, qsizetype line, SizedTexture& entry) {
     const auto decoded = archive.decodedNames.constFind(place);
     if (decoded == archive.decodedNames.cend()) {
-        const QByteArrayView name =
-            archive.index.Name(archive.index.entries[archive.found[place].entry]);
-        const qsizetype slash = name.lastIndexOf('/');
+        const ArchiveIndexEntry& named = archive.index.entries[archive.found[place].entry];
+        const QByteArrayView name = archive.index.Name(named);
+        const qsizetype slash = lastSlash(name);
         const QByteArrayView file =
             name.sliced(slash + 1, name.size() - slash - 1 - kTextureSuffix.size());
         if (!isCatalogueFile(file))
             return false;
-        entry.file = QString::fromLatin1(file);
-        entry.folder = folders.Add(name.first(slash), line);
+        entry.fileAt = quint32(named.nameAt + slash + 1);
+        entry.fileBytes = quint32(file.size());
+        folders.Add(name.first(slash), line);
     } else {
         const QString& name = *decoded;
         const qsizetype slash = name.lastIndexOf(u'/');
         const QString file = name.mid(slash + 1).chopped(kTextureSuffix.size());
         if (!IsSafeCatalogueFile(file) || !IsCatalogueText(file))
             return false;
-        entry.file = file;
-        entry.folder = folders.Add(name.left(slash), line);
+        entry.fileBytes = 0;
+        folders.Add(name.left(slash), line);
     }
-    entry.name = entry.file;
     entry.width = width;
     entry.height = height;
     return true;
@@ -171,8 +206,15 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
             const QByteArrayView stem = name.chopped(kTextureSuffix.size());
             archive.keys.resize(texture.keyAt + stem.size());
             char* key = archive.keys.data() + texture.keyAt;
-            for (qsizetype c = 0; c < stem.size(); ++c)
-                key[c] = char(FoldAscii(uchar(stem[c])));
+            // Eight bytes at a time; the last word may overlap the one before.
+            // A stem is at least as long as the prefix.
+            for (qsizetype c = 0;; c += 8) {
+                const qsizetype at = qMin(c, stem.size() - 8);
+                const quint64 word = FoldAsciiWord(wordAt(stem.data() + at));
+                std::memcpy(key + at, &word, 8);
+                if (at + 8 >= stem.size())
+                    break;
+            }
         } else {
             const QString decoded = QString::fromUtf8(name);
             if (!isInterfaceTexture(decoded))
@@ -187,10 +229,16 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
     archive.found.squeeze();
 }
 
+QString ArchiveTextures::DecodedFile(qsizetype line) const {
+    const QString name = decodedNames.value(toSize[line]);
+    return name.mid(name.lastIndexOf(u'/') + 1).chopped(kTextureSuffix.size());
+}
+
 SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetype from,
-                                        qsizetype to, CatalogueEntry* lines,
+                                        qsizetype to, SizedTexture* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done) {
     SizedTextures run;
+    run.folderStarts = {0};
     QFile file;
     if (!OpenRegularFile(file, archive.path)) {
         done += to - from;
@@ -206,12 +254,14 @@ SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetyp
         entries.append({QString(), entry.size, entry.offset, entry.compressedSize});
     }
     ArchiveStartReader reader(file, std::move(entries));
-    FolderGroups folders(run);
+    FolderGroups folders(run, to - from);
     for (qsizetype n = 0; n < reader.Count(); ++n) {
         if ((n + 1) % kProgressStep == 0) {
             done += kProgressStep;
-            if (cancel.load(std::memory_order_relaxed))
+            if (cancel.load(std::memory_order_relaxed)) {
+                folders.Finish();
                 return run;
+            }
         }
         QString error;
         // The 32-byte header first: it holds the size of most textures.
@@ -229,5 +279,6 @@ SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetyp
             run.unusable.append(line);
     }
     done += reader.Count() % kProgressStep;
+    folders.Finish();
     return run;
 }

@@ -23,6 +23,16 @@ struct InterfaceTexture {
     size_t keyHash = 0; // TextureKeyHash of the key
 };
 
+// A sized texture's catalogue line, its strings left in the archive: a file
+// name in plain ASCII as its place in the name table (its name is the same),
+// any other as the whole decoded name (fileBytes 0).
+struct SizedTexture {
+    quint32 fileAt = 0;
+    quint32 fileBytes = 0;
+    int width = 0;
+    int height = 0;
+};
+
 struct ArchiveTextures {
     QString path;
     ArchiveIndex index; // its error says why the archive gave nothing
@@ -34,11 +44,16 @@ struct ArchiveTextures {
     // The textures to size (places in `found`), in order of their data, and
     // their catalogue lines once sized (made as long as toSize beforehand).
     QList<qsizetype> toSize;
-    QList<CatalogueEntry> sized;
+    QList<SizedTexture> sized;
 
     QByteArrayView Key(const InterfaceTexture& texture) const {
         return QByteArrayView(keys).sliced(texture.keyAt, texture.keyBytes);
     }
+    // The file name of a sized line: plain ASCII as bytes, any other decoded.
+    QByteArrayView PlainFile(const SizedTexture& texture) const {
+        return QByteArrayView(index.names).sliced(texture.fileAt, texture.fileBytes);
+    }
+    QString DecodedFile(qsizetype line) const;
 };
 
 // Reads the directory of the archive at `archive.path` and lists its
@@ -52,8 +67,16 @@ void FindInterfaceTextures(ArchiveTextures& archive);
 // hold).
 struct SizedTextures {
     QList<QString> folders;
-    QList<QList<qsizetype>> lines;
+    // Each folder as the archive's bytes when it is plain ASCII, else empty.
+    QList<QByteArrayView> plainFolders;
+    // The usable lines folder by folder, each folder's in order: folder f's
+    // are lines[folderStarts[f]] up to lines[folderStarts[f + 1]].
+    QList<qsizetype> lines;
+    QList<qsizetype> folderStarts;
     QList<qsizetype> unusable;
+
+    const qsizetype* FolderLines(qsizetype f) const { return lines.constData() + folderStarts[f]; }
+    qsizetype FolderLineCount(qsizetype f) const { return folderStarts[f + 1] - folderStarts[f]; }
 };
 
 // Sizes the textures toSize[from] to toSize[to - 1] into the same lines of
@@ -61,5 +84,5 @@ struct SizedTextures {
 // the archive front to back. Stops early once `cancel` is set; adds to `done`
 // as it goes.
 SizedTextures ReadInterfaceTextureSizes(const ArchiveTextures& archive, qsizetype from,
-                                        qsizetype to, CatalogueEntry* lines,
+                                        qsizetype to, SizedTexture* lines,
                                         const std::atomic<bool>& cancel, std::atomic<long>& done);

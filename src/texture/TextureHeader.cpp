@@ -2,6 +2,8 @@
 
 #include "app/LittleEndian.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr qint64 kHeaderBytes = 32;
@@ -10,7 +12,8 @@ constexpr qint64 kDdsHeight = 12;
 constexpr qint64 kDdsWidth = 16;
 
 bool hasMark(QByteArrayView start) {
-    return start.size() >= kHeaderBytes && start[28] == '\0' && start.sliced(29, 3) == "TX2";
+    return start.size() >= kHeaderBytes && start[28] == '\0' && start[29] == 'T' &&
+           start[30] == 'X' && start[31] == '2';
 }
 
 bool toSize(quint32 value, int& size) {
@@ -38,7 +41,7 @@ bool ReadTextureSize(QByteArrayView start, int& width, int& height) {
             return false;
     } else {
         const qint64 dds = LittleEndian32(start, 0);
-        if (dds + kDdsWidth + 4 > start.size() || start.sliced(dds, 4) != "DDS ")
+        if (dds + kDdsWidth + 4 > start.size() || std::memcmp(start.data() + dds, "DDS ", 4) != 0)
             return false;
         if (!toSize(LittleEndian32(start, dds + kDdsWidth), w) ||
             !toSize(LittleEndian32(start, dds + kDdsHeight), h))

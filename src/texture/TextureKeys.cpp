@@ -32,23 +32,33 @@ constexpr quint64 kOdd2 = 0xe7037ed1a0b428dbULL;
 
 } // namespace
 
-// Eight bytes at a time, each word folded with the process's own seed. Qt's
-// own hash of bytes is not used here: it runs in 256-bit vector registers and
-// leaves them in a state that slows the catalogue build's own loops after
-// every call.
+// Sixteen bytes at a time, the two words folded together, each mixed with
+// something only this process knows (the hash so far starts from its seed),
+// so no name can be made to zero a product. Qt's own hash of bytes is not
+// used here: it runs in 256-bit vector registers and leaves them in a state
+// that slows the catalogue build's own loops after every call.
 size_t TextureKeyHash(QByteArrayView key) {
     static const quint64 seed = fold(QHashSeed::globalSeed() ^ kOdd1, kOdd2);
+    static const quint64 seed2 = fold(seed ^ kOdd2, kOdd1);
     const char* bytes = key.data();
     qsizetype left = key.size();
     quint64 hash = seed ^ quint64(left);
-    for (; left >= 8; bytes += 8, left -= 8) {
-        quint64 word = 0;
-        std::memcpy(&word, bytes, 8);
-        hash = fold(hash ^ word, seed ^ kOdd1);
+    for (; left >= 16; bytes += 16, left -= 16) {
+        quint64 first = 0;
+        quint64 second = 0;
+        std::memcpy(&first, bytes, 8);
+        std::memcpy(&second, bytes + 8, 8);
+        hash = fold(hash ^ first, second ^ seed2);
     }
-    quint64 tail = 0;
-    std::memcpy(&tail, bytes, size_t(left));
-    return fold(fold(hash ^ tail, seed ^ kOdd2), kOdd1);
+    quint64 first = 0;
+    quint64 second = 0;
+    if (left > 8) {
+        std::memcpy(&first, bytes, 8);
+        std::memcpy(&second, bytes + 8, size_t(left - 8));
+    } else {
+        std::memcpy(&first, bytes, size_t(left));
+    }
+    return fold(fold(hash ^ first, second ^ seed2), kOdd1);
 }
 
 void TextureKeys::Reserve(qsizetype count) {
@@ -57,20 +67,24 @@ void TextureKeys::Reserve(qsizetype count) {
     while (slots < size_t(count) * 2)
         slots *= 2;
     if (slots > slots_.size()) {
-        slots_.assign(slots, 0);
+        slots_.assign(slots, Slot());
         for (qsizetype i = 0; i < keys_.size(); ++i)
-            slots_[find(keys_[i].bytes, keys_[i].hash)] = i + 1;
+            slots_[find(keys_[i].bytes, keys_[i].hash)] = {quint32(keys_[i].hash >> 32),
+                                                           quint32(i + 1)};
     }
 }
 
 // Open addressing with linear probing; the table is kept at most half full.
 size_t TextureKeys::find(QByteArrayView key, size_t hash) const {
     const size_t mask = slots_.size() - 1;
+    const quint32 tag = quint32(hash >> 32);
     for (size_t slot = hash & mask;; slot = (slot + 1) & mask) {
-        const qsizetype held = slots_[slot];
-        if (held == 0)
+        const Slot& held = slots_[slot];
+        if (held.key == 0)
             return slot;
-        const Key& other = keys_[held - 1];
+        if (held.tag != tag)
+            continue;
+        const Key& other = keys_[held.key - 1];
         if (other.hash == hash && other.bytes == key)
             return slot;
     }
@@ -84,22 +98,22 @@ bool TextureKeys::Insert(QByteArrayView key, size_t hash) {
     if (size_t(keys_.size() + 1) * 2 > slots_.size())
         grow();
     const size_t slot = find(key, hash);
-    if (slots_[slot] != 0) {
-        Key& held = keys_[slots_[slot] - 1];
+    if (slots_[slot].key != 0) {
+        Key& held = keys_[slots_[slot].key - 1];
         if (held.present)
             return false;
         held = {hash, key, true}; // a removed key comes back
         return true;
     }
     keys_.append({hash, key, true});
-    slots_[slot] = keys_.size();
+    slots_[slot] = {quint32(hash >> 32), quint32(keys_.size())};
     return true;
 }
 
 bool TextureKeys::InsertCopy(const QByteArray& key) {
     const size_t hash = TextureKeyHash(key);
     if (!slots_.empty()) {
-        const qsizetype held = slots_[find(key, hash)];
+        const quint32 held = slots_[find(key, hash)].key;
         if (held != 0 && keys_[held - 1].present)
             return false;
     }
@@ -110,7 +124,7 @@ bool TextureKeys::InsertCopy(const QByteArray& key) {
 void TextureKeys::Remove(QByteArrayView key, size_t hash) {
     if (slots_.empty())
         return;
-    const qsizetype held = slots_[find(key, hash)];
+    const quint32 held = slots_[find(key, hash)].key;
     if (held != 0)
         keys_[held - 1].present = false;
 }

@@ -4,6 +4,7 @@
 #include <QByteArrayView>
 #include <QList>
 #include <QString>
+#include <cstring>
 #include <vector>
 
 // The keys that tell a catalogue's textures apart: folder + "/" + file in
@@ -12,6 +13,17 @@
 // An ASCII letter in lower case; any other character as it is.
 constexpr char16_t FoldAscii(char16_t c) {
     return c >= u'A' && c <= u'Z' ? char16_t(c + (u'a' - u'A')) : c;
+}
+
+// Eight bytes of plain ASCII (each below 0x80) as one word, with their
+// capitals in lower case: 'A' to 'Z' are the bytes that reach 0x80 when 0x3F
+// is added but not when 0x25 is, and no byte below 0x80 carries into the
+// next.
+constexpr quint64 FoldAsciiWord(quint64 word) {
+    constexpr quint64 kHigh = 0x8080808080808080ULL;
+    const quint64 capitals =
+        (word + 0x3F3F3F3F3F3F3F3FULL) & ~(word + 0x2525252525252525ULL) & kHigh;
+    return word | capitals >> 2;
 }
 
 // The key of a text: lower case, as UTF-8. Plain ASCII, by far the most
@@ -25,7 +37,10 @@ size_t TextureKeyHash(QByteArrayView key);
 // A run of bytes as a QHash key, filed under TextureKeyHash.
 struct ByteKey {
     QByteArrayView bytes;
-    friend bool operator==(ByteKey a, ByteKey b) { return a.bytes == b.bytes; }
+    friend bool operator==(ByteKey a, ByteKey b) {
+        return a.bytes.size() == b.bytes.size() &&
+               std::memcmp(a.bytes.data(), b.bytes.data(), size_t(a.bytes.size())) == 0;
+    }
     friend size_t qHash(ByteKey key, size_t seed = 0) { return TextureKeyHash(key.bytes) ^ seed; }
 };
 
@@ -40,6 +55,12 @@ public:
     // The same for a key the set keeps a copy of.
     bool InsertCopy(const QByteArray& key);
     void Remove(QByteArrayView key, size_t hash);
+    // Asks the processor to fetch the slot a key of this hash starts from,
+    // for a caller that knows the next keys' hashes ahead of time.
+    void Prefetch(size_t hash) const {
+        if (!slots_.empty())
+            __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
+    }
 
 private:
     struct Key {
@@ -47,11 +68,18 @@ private:
         QByteArrayView bytes;
         bool present = false;
     };
+    // A slot holds the high half of its key's hash beside the key's place,
+    // so a probe looks at one cache line and reads the key itself only when
+    // that half matches.
+    struct Slot {
+        quint32 tag = 0;
+        quint32 key = 0; // 1 + a place in keys_, 0 for an empty slot
+    };
     // The slot holding the key, or the empty slot where it would go.
     size_t find(QByteArrayView key, size_t hash) const;
     void grow();
 
-    QList<Key> keys_;              // every key ever inserted; Remove clears `present`
-    std::vector<qsizetype> slots_; // 1 + a place in keys_, 0 for an empty slot
+    QList<Key> keys_; // every key ever inserted; Remove clears `present`
+    std::vector<Slot> slots_;
     QList<QByteArray> copies_;
 };

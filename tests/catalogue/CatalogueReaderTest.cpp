@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThreadPool>
 
 namespace {
 
@@ -78,6 +79,21 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     EXPECT_EQ(back.error, QString());
     EXPECT_EQ(everything(back.categories), everything(categories));
     EXPECT_TRUE(readFile(file).startsWith("4\r\n\"Skies, all\",1\r\n\" Clouds \",512,256,"));
+    // The same text made a texture at a time from no room at all, and from
+    // UTF-8 bytes for a texture named after its file.
+    for (const CatalogueCategory& category : categories) {
+        CatalogueCategoryFormatter text(category.name, category.entries.size() * 2, 0);
+        for (const CatalogueEntry& entry : category.entries) {
+            text.Add(entry);
+            text.AddPlain(entry.file.toUtf8(), entry.width, entry.height, entry.folder.toUtf8());
+        }
+        CatalogueCategory twice{category.name, {}};
+        for (const CatalogueEntry& entry : category.entries)
+            twice.entries << entry
+                          << CatalogueEntry{entry.file, entry.width, entry.height, entry.folder,
+                                            entry.file};
+        EXPECT_EQ(text.Take().text, FormatCatalogueCategory(twice).text);
+    }
 
     // Texts the form cannot hold: the file stays as it was.
     const QByteArray before = readFile(file);
@@ -94,6 +110,16 @@ TEST_F(CatalogueReaderTest, WrittenCataloguesReadBackUnchangedAndTheRestIsNotWri
     FailWritesAfter(2);
     EXPECT_TRUE(WriteCatalogue(file, categories).contains("could not be written"));
     FailWritesAfter(-1);
+    EXPECT_EQ(readFile(file), before);
+    // No write, refused, failed or done, leaves another name of the old
+    // catalogue beside the new one once its work in the background is over.
+    const auto names = [this] {
+        QThreadPool::globalInstance()->waitForDone();
+        return QDir(root() + "/new/folder").entryList(QDir::Files | QDir::Hidden);
+    };
+    EXPECT_EQ(names(), QStringList{"kelvaris.csv"});
+    ASSERT_EQ(WriteCatalogue(file, categories), QString());
+    EXPECT_EQ(names(), QStringList{"kelvaris.csv"});
     EXPECT_EQ(readFile(file), before);
 }
 
