@@ -26,8 +26,10 @@ extern "C" Q_DECL_EXPORT int KelvarisFrontEndsMain(int argc, char* argv[],
         RemoveStaleTemporariesAtStart(StartGameFolder());
         return RunCommandLine(arguments);
     }
-    if (!start.randomizerDone)
-        RemoveStaleTemporariesAtStart(StartGameFolder());
+    // Every folder Kelvaris writes into, after a game start too: one that goes
+    // on to refresh the online textures swept only the folders of the game
+    // start itself, and the refresh writes into others.
+    RemoveStaleTemporariesAtStart(StartGameFolder());
 
     RealUiServices ui;
     QApplication app(argc, argv);

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -250,10 +251,18 @@ struct CatalogueFileWriter::State {
     // is written: the rename then only drops one of its names, and freeing
     // its blocks (a good part of a millisecond for a large catalogue) is
     // left to the last name's removal, after the new catalogue is in place.
+    // The second name keeps the old file's time, so a sweep of stale
+    // temporaries running meanwhile may remove it: the rename then frees the
+    // blocks itself, and nothing else changes.
     QByteArray retired;
 
     void retireOld() {
         const QByteArray target = QFile::encodeName(fileName);
+        // Only a catalogue that is a file of its own: a second name of a
+        // link would be a link, which the sweep leaves alone.
+        struct stat status;
+        if (::lstat(target.constData(), &status) != 0 || !S_ISREG(status.st_mode))
+            return;
         for (int attempt = 0; attempt < 4 && retired.isEmpty(); ++attempt) {
             QByteArray name = target + kTemporaryMarker;
             for (int i = 0; i < 6; ++i)
@@ -262,8 +271,9 @@ struct CatalogueFileWriter::State {
             if (::link(target.constData(), name.constData()) == 0)
                 retired = name;
             else if (errno != EEXIST)
-                break; // no old catalogue, or a file system without links
+                break; // a file system without links
         }
+        errno = 0; // a failed link is no failure of the write
     }
     // Removes the second name: in the background once the new catalogue is
     // in place, at once when the old one stays.

@@ -51,7 +51,7 @@ bool isInterfaceTexture(QByteArrayView name) {
                                       FoldAsciiWord(wordAt("GUI/\0\0\0\0"))};
     static const quint64 suffix = FoldAsciiWord(wordAt(".texture"));
     const char* bytes = name.data();
-    quint32 last = 0;
+    quint64 last = 0; // "GUI/" in its first four bytes, as in the prefix
     std::memcpy(&last, bytes + 16, 4);
     return FoldAsciiWord(wordAt(bytes)) == prefix[0] &&
            FoldAsciiWord(wordAt(bytes + 8)) == prefix[1] && FoldAsciiWord(last) == prefix[2] &&

@@ -24,8 +24,9 @@ struct InterfaceTexture {
 };
 
 // A sized texture's catalogue line, its strings left in the archive: a file
-// name in plain ASCII as its place in the name table (its name is the same),
-// any other as the whole decoded name (fileBytes 0).
+// name in plain ASCII as its place in the name table (its name is the same);
+// for any other, fileBytes is 0 and the name is among the archive's
+// decodedNames.
 struct SizedTexture {
     quint32 fileAt = 0;
     quint32 fileBytes = 0;
@@ -49,7 +50,8 @@ struct ArchiveTextures {
     QByteArrayView Key(const InterfaceTexture& texture) const {
         return QByteArrayView(keys).sliced(texture.keyAt, texture.keyBytes);
     }
-    // The file name of a sized line: plain ASCII as bytes, any other decoded.
+    // The file name of a sized line in plain ASCII, as bytes; empty for any
+    // other, whose name DecodedFile gives.
     QByteArrayView PlainFile(const SizedTexture& texture) const {
         return QByteArrayView(index.names).sliced(texture.fileAt, texture.fileBytes);
     }
