@@ -35,6 +35,11 @@ bool isOlderTemporaryName(const QString& name) {
     return front == u"registry.reg" || front == u"kelvaris.csv";
 }
 
+// Where the settings are written.
+QString settingsFolder() {
+    return QFileInfo(modRegistry::StoreFilePath()).absolutePath();
+}
+
 } // namespace
 
 int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds, bool foldersBelow) {
@@ -57,12 +62,12 @@ int RemoveStaleTemporaries(const QStringList& folders, int minimumAgeSeconds, bo
 
 int RemoveStaleTemporariesAtStart(const QString& gameFolder) {
     QStringList folders = GameWriteFolders(gameFolder);
-    folders << QFileInfo(modRegistry::StoreFilePath()).absolutePath() << WorkFolder();
+    folders << settingsFolder() << WorkFolder();
     return RemoveStaleTemporaries(folders);
 }
 
 int RemoveStaleTemporariesAtGameStart(const QString& gameFolder) {
-    QStringList folders = {QFileInfo(modRegistry::StoreFilePath()).absolutePath()};
+    QStringList folders = {settingsFolder()};
     if (!gameFolder.isEmpty()) {
         folders << ResolveExistingCase(gameFolder + QStringLiteral("/Kelvaris"));
         for (const ScreenTarget& screen : {kLoginScreen, kCharacterScreen})

@@ -31,8 +31,7 @@ constexpr int kProgressMs = 20;
 // The textures of an archive are sized in runs of this many, so both cores
 // stay busy when one archive holds nearly all of them.
 constexpr qsizetype kSizingRun = 1024;
-// How many textures ahead a category's gathering asks for the memory it
-// will read.
+// How many textures ahead the build asks for the memory it will read.
 constexpr qsizetype kFetchAhead = 8;
 
 // Name order without regard to letter case, then by the exact text. Where
@@ -110,9 +109,7 @@ SortKey sortKey(const QString& name, quint32 item) {
 
 // Eight bytes of plain ASCII folded to lower case, the first byte highest.
 quint64 foldedWord(const char* bytes) {
-    quint64 word = 0;
-    std::memcpy(&word, bytes, 8);
-    return qFromBigEndian(FoldAsciiWord(word));
+    return qFromBigEndian(FoldAsciiWord(WordAt(bytes)));
 }
 
 // The same key for a name of plain ASCII without NULs, as the archives'
@@ -351,11 +348,10 @@ bool Builder::findTextures() {
         order.reserve(archive.found.size());
         // The hashes are known ahead, so the slots a few keys on are fetched
         // while this one is looked up.
-        constexpr qsizetype kAhead = 8;
         for (qsizetype i = 0; i < archive.found.size(); ++i) {
             const InterfaceTexture& texture = archive.found[i];
-            if (i + kAhead < archive.found.size())
-                keys_.Prefetch(archive.found[i + kAhead].keyHash);
+            if (i + kFetchAhead < archive.found.size())
+                keys_.Prefetch(archive.found[i + kFetchAhead].keyHash);
             if (keys_.Insert(archive.Key(texture), texture.keyHash))
                 order.append({archive.index.entries[texture.entry].offset, i});
         }

@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QRandomGenerator>
 #include <QThreadPool>
 #include <cerrno>
 #include <charconv>
@@ -119,6 +118,13 @@ private:
 // The most bytes a number takes (a 64-bit one, with its sign).
 constexpr qsizetype kNumberBytes = 24;
 
+// The most bytes a texture's line takes: every character three bytes of
+// UTF-8, both numbers as long as they can be, quotes, commas and line end.
+qsizetype lineRoom(const CatalogueEntry& entry) {
+    return 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 2 * kNumberBytes +
+           12;
+}
+
 bool isSize(int value) {
     return value >= 1 && value <= kMaxCatalogueCount;
 }
@@ -176,8 +182,7 @@ CatalogueCategoryFormatter::~CatalogueCategoryFormatter() = default;
 
 void CatalogueCategoryFormatter::Add(const CatalogueEntry& entry) {
     CatalogueText& text = state_->text;
-    text.Room(3 * (entry.name.size() + entry.folder.size() + entry.file.size()) + 2 * kNumberBytes +
-              12);
+    text.Room(lineRoom(entry));
     if (!isSize(entry.width) || !isSize(entry.height))
         text.MarkDoubtful();
     text.Quoted(entry.name);
@@ -216,12 +221,10 @@ CatalogueCategoryText CatalogueCategoryFormatter::Take() {
 }
 
 CatalogueCategoryText FormatCatalogueCategory(const CatalogueCategory& category) {
-    // Room for the longest text the category can make: every character
-    // three bytes of UTF-8, every number as long as it can be.
+    // Room for the longest text the category can make.
     qsizetype room = 0;
     for (const CatalogueEntry& entry : category.entries)
-        room += 3 * (entry.name.size() + entry.folder.size() + entry.file.size()) +
-                2 * kNumberBytes + 12;
+        room += lineRoom(entry);
     CatalogueCategoryFormatter text(category.name, category.entries.size(), room);
     for (const CatalogueEntry& entry : category.entries)
         text.Add(entry);
@@ -232,8 +235,6 @@ namespace {
 
 // The disk is started on the file each time this much more has been written.
 constexpr qint64 kFlushStep = 512 * 1024;
-// The random part of a second name, as the temporaries' names have it.
-constexpr char kNameLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
 
 } // namespace
 
@@ -256,6 +257,9 @@ struct CatalogueFileWriter::State {
     // blocks itself, and nothing else changes.
     QByteArray retired;
 
+    // It is named like the new catalogue's temporary, whose random ending
+    // no other file beside it has, with ".old" before the marker:
+    // "kelvaris.csv.old.kelvaris-Ab12Cd".
     void retireOld() {
         const QByteArray target = QFile::encodeName(fileName);
         // Only a catalogue that is a file of its own: a second name of a
@@ -263,16 +267,11 @@ struct CatalogueFileWriter::State {
         struct stat status;
         if (::lstat(target.constData(), &status) != 0 || !S_ISREG(status.st_mode))
             return;
-        for (int attempt = 0; attempt < 4 && retired.isEmpty(); ++attempt) {
-            QByteArray name = target + kTemporaryMarker;
-            for (int i = 0; i < 6; ++i)
-                name +=
-                    kNameLetters[QRandomGenerator::global()->bounded(int(sizeof kNameLetters) - 1)];
-            if (::link(target.constData(), name.constData()) == 0)
-                retired = name;
-            else if (errno != EEXIST)
-                break; // a file system without links
-        }
+        const QByteArray name =
+            target + ".old" +
+            QFile::encodeName(record.FileName).right(qsizetype(std::strlen(kTemporaryMarker)) + 6);
+        if (::link(target.constData(), name.constData()) == 0)
+            retired = name;
         errno = 0; // a failed link is no failure of the write
     }
     // Removes the second name: in the background once the new catalogue is

@@ -35,27 +35,21 @@ bool isInterfaceTexture(const QString& name) {
            QStringView(name).last(suffix.size()).compare(suffix, Qt::CaseInsensitive) == 0;
 }
 
-quint64 wordAt(const char* bytes) {
-    quint64 word = 0;
-    std::memcpy(&word, bytes, 8);
-    return word;
-}
-
 // A plain ASCII name: the same test on its bytes, eight at a time.
 bool isInterfaceTexture(QByteArrayView name) {
     static_assert(kGuiPrefix.size() == 20 && kTextureSuffix.size() == 8);
     if (name.size() < kGuiPrefix.size() + kTextureSuffix.size())
         return false;
-    static const quint64 prefix[3] = {FoldAsciiWord(wordAt("texture_")),
-                                      FoldAsciiWord(wordAt("library/")),
-                                      FoldAsciiWord(wordAt("GUI/\0\0\0\0"))};
-    static const quint64 suffix = FoldAsciiWord(wordAt(".texture"));
+    static const quint64 prefix[3] = {FoldAsciiWord(WordAt("texture_")),
+                                      FoldAsciiWord(WordAt("library/")),
+                                      FoldAsciiWord(WordAt("GUI/\0\0\0\0"))};
+    static const quint64 suffix = FoldAsciiWord(WordAt(".texture"));
     const char* bytes = name.data();
     quint64 last = 0; // "GUI/" in its first four bytes, as in the prefix
     std::memcpy(&last, bytes + 16, 4);
-    return FoldAsciiWord(wordAt(bytes)) == prefix[0] &&
-           FoldAsciiWord(wordAt(bytes + 8)) == prefix[1] && FoldAsciiWord(last) == prefix[2] &&
-           FoldAsciiWord(wordAt(bytes + name.size() - 8)) == suffix;
+    return FoldAsciiWord(WordAt(bytes)) == prefix[0] &&
+           FoldAsciiWord(WordAt(bytes + 8)) == prefix[1] && FoldAsciiWord(last) == prefix[2] &&
+           FoldAsciiWord(WordAt(bytes + name.size() - 8)) == suffix;
 }
 
 // Where the name's last '/' is, or -1.
@@ -210,7 +204,7 @@ void FindInterfaceTextures(ArchiveTextures& archive) {
             // A stem is at least as long as the prefix.
             for (qsizetype c = 0;; c += 8) {
                 const qsizetype at = qMin(c, stem.size() - 8);
-                const quint64 word = FoldAsciiWord(wordAt(stem.data() + at));
+                const quint64 word = FoldAsciiWord(WordAt(stem.data() + at));
                 std::memcpy(key + at, &word, 8);
                 if (at + 8 >= stem.size())
                     break;

@@ -43,17 +43,12 @@ size_t TextureKeyHash(QByteArrayView key) {
     const char* bytes = key.data();
     qsizetype left = key.size();
     quint64 hash = seed ^ quint64(left);
-    for (; left >= 16; bytes += 16, left -= 16) {
-        quint64 first = 0;
-        quint64 second = 0;
-        std::memcpy(&first, bytes, 8);
-        std::memcpy(&second, bytes + 8, 8);
-        hash = fold(hash ^ first, second ^ seed2);
-    }
+    for (; left >= 16; bytes += 16, left -= 16)
+        hash = fold(hash ^ WordAt(bytes), WordAt(bytes + 8) ^ seed2);
     quint64 first = 0;
     quint64 second = 0;
     if (left > 8) {
-        std::memcpy(&first, bytes, 8);
+        first = WordAt(bytes);
         std::memcpy(&second, bytes + 8, size_t(left - 8));
     } else {
         std::memcpy(&first, bytes, size_t(left));

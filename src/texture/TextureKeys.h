@@ -15,6 +15,13 @@ constexpr char16_t FoldAscii(char16_t c) {
     return c >= u'A' && c <= u'Z' ? char16_t(c + (u'a' - u'A')) : c;
 }
 
+// Eight bytes at `bytes` as one word, in the machine's own byte order.
+inline quint64 WordAt(const char* bytes) {
+    quint64 word = 0;
+    std::memcpy(&word, bytes, 8);
+    return word;
+}
+
 // Eight bytes of plain ASCII (each below 0x80) as one word, with their
 // capitals in lower case: 'A' to 'Z' are the bytes that reach 0x80 when 0x3F
 // is added but not when 0x25 is, and no byte below 0x80 carries into the
